@@ -1,0 +1,103 @@
+/* SPDX-License-Identifier: BSD-3-Clause
+ *
+ * What a C programmer would write for the shaders that are measured: the same parameter reads, the same arithmetic
+ * and the one user-slot query of the frame, without objects. The yardstick of `frame`.
+ */
+#include <shader.h>
+
+#include <math.h>
+
+#define EXPORT __attribute__((visibility("default")))
+
+struct scalars { miScalar input1, input2; };
+struct vectors { miVector input; };
+struct colors {
+    miColor input1;
+    miBoolean useAlpha1;
+    miScalar alpha1;
+    miColor input2;
+    miBoolean useAlpha2;
+    miScalar alpha2;
+    miScalar weight;
+};
+
+static const miScalar* scalar(miState* state, miScalar* field) { return (const miScalar*)mi_eval(state, field); }
+
+/* The frame's only cost by design; reading the slot keeps the compiler from dropping the call's result. */
+static int initialised(miState* state)
+{
+    void** slot = 0;
+    mi_query(miQ_FUNC_USERPTR, state, 0, &slot);
+    return *slot == 0;
+}
+
+static void operands(miState* state, struct colors* p, miColor* a, miColor* b)
+{
+    int keep1, keep2;
+    *a = *(const miColor*)mi_eval(state, &p->input1);
+    *b = *(const miColor*)mi_eval(state, &p->input2);
+    keep1 = *(const miBoolean*)mi_eval(state, &p->useAlpha1);
+    keep2 = *(const miBoolean*)mi_eval(state, &p->useAlpha2);
+    if (!keep1)
+        a->a = *scalar(state, &p->alpha1);
+    if (!keep2)
+        b->a = *scalar(state, &p->alpha2);
+}
+
+EXPORT miBoolean plainAddScalar(miScalar* result, miState* state, struct scalars* p)
+{
+    const miBoolean done = initialised(state);
+    const miScalar a = *scalar(state, &p->input1);
+    const miScalar b = *scalar(state, &p->input2);
+    *result = a + b;
+    return done;
+}
+
+EXPORT miBoolean plainAddColor(miColor* result, miState* state, struct colors* p)
+{
+    const miBoolean done = initialised(state);
+    miColor a, b;
+    operands(state, p, &a, &b);
+    result->r = a.r + b.r;
+    result->g = a.g + b.g;
+    result->b = a.b + b.b;
+    result->a = a.a + b.a;
+    return done;
+}
+
+EXPORT miBoolean plainMixColor(miColor* result, miState* state, struct colors* p)
+{
+    const miBoolean done = initialised(state);
+    miColor a, b;
+    miScalar w;
+    operands(state, p, &a, &b);
+    w = *scalar(state, &p->weight);
+    w = (w < 0.0f ? 0.0f : w > 100.0f ? 100.0f : w) / 100.0f;
+    result->r = (1.0f - w) * a.r + w * b.r;
+    result->g = (1.0f - w) * a.g + w * b.g;
+    result->b = (1.0f - w) * a.b + w * b.b;
+    result->a = (1.0f - w) * a.a + w * b.a;
+    return done;
+}
+
+EXPORT miBoolean plainNormalizeVector(miVector* result, miState* state, struct vectors* p)
+{
+    const miBoolean done = initialised(state);
+    const miVector v = *(const miVector*)mi_eval(state, &p->input);
+    const float length = (float)sqrt((double)(v.x * v.x + v.y * v.y + v.z * v.z));
+    *result = v;
+    if (length != 0.0f) {
+        const float scale = 1.0f / length;
+        result->x *= scale;
+        result->y *= scale;
+        result->z *= scale;
+    }
+    return done;
+}
+
+/* The least a node of a chain can do: hand its connected input on. */
+EXPORT miBoolean plainPass(miScalar* result, miState* state, struct scalars* p)
+{
+    *result = *scalar(state, &p->input1);
+    return miTRUE;
+}

@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// The reference pages.
+#include "declare/shaders.h"
+#include "declare/write.h"
+
+namespace declare {
+
+static const char* const written = "<!-- Written from the sources by `cmake --build <build> --target "
+                                   "declarations`: change those, not this page. -->\n";
+
+static std::string range(const VHL::Field& field)
+{
+    if (!field.least && !field.most)
+        return "any";
+    return (field.least ? number(*field.least) : "") + " to " + (field.most ? number(*field.most) : "");
+}
+
+/// A vertical bar would end the cell.
+static std::string cell(std::string_view text)
+{
+    std::string escaped;
+    for (const char c : text) {
+        if (c == '|')
+            escaped += '\\';
+        escaped += c;
+    }
+    return escaped;
+}
+
+std::string referencePage(std::span<const VHL::Description> shaders)
+{
+    std::string text = "# " + std::string(shaders.front().unit) + "\n\n" + written;
+    for (const VHL::Description& shader : shaders) {
+        text += "\n## " + std::string(shader.name) + "\n\n" + std::string(shader.about.text) +
+                "\n\nResult: " + std::string(typeName(shader.result)) + ". Version " +
+                std::to_string(shader.version) +
+                ".\n\n| parameter | type | default | range | |\n|---|---|---|---|---|\n";
+        for (const VHL::Field& field : shader.fields) {
+            const std::string standard = defaultText(field);
+            text += std::string("| `") + field.name.text.data() + "` | " +
+                    (field.isArray ? "array of " : "") + std::string(typeName(field.kind)) + " | " +
+                    (standard.empty() ? "none" : standard) + " | " +
+                    (field.kind == VHL::Kind::boolean ? "on, off" : range(field)) + " | " +
+                    cell(field.about) + " |\n";
+        }
+    }
+    return text;
+}
+
+std::string referenceIndex(std::span<const VHL::Description> shaders)
+{
+    std::string text = std::string("# Shaders\n\n") + written + "\n| shader | result | |\n|---|---|---|\n";
+    for (const VHL::Description& shader : shaders)
+        text += "| [`" + std::string(shader.name) + "`](" + std::string(shader.unit) + ".md) | " +
+                std::string(typeName(shader.result)) + " | " + cell(shader.about.text) + " |\n";
+    return text;
+}
+
+} // namespace declare

@@ -1,0 +1,108 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "declare/shaders.h"
+
+#include <algorithm>
+#include <charconv>
+#include <set>
+#include <tuple>
+
+static std::vector<VHL::Description>& list()
+{
+    static std::vector<VHL::Description> list;
+    return list;
+}
+
+bool VHL::declare(const Description& shader)
+{
+    list().push_back(shader);
+    return true;
+}
+
+namespace declare {
+
+std::vector<VHL::Description> shaders()
+{
+    std::vector<VHL::Description> sorted = list();
+    std::ranges::sort(sorted, {}, [](const VHL::Description& s) { return std::tuple(s.unit, s.line); });
+    return sorted;
+}
+
+static bool isOneLine(std::string_view text)
+{
+    return !text.empty() && std::ranges::all_of(text, [](char c) { return c >= ' ' && c <= '~'; });
+}
+
+std::vector<std::string> faults(std::span<const VHL::Description> shaders)
+{
+    std::vector<std::string> found;
+    std::set<std::string_view> names;
+    for (const VHL::Description& shader : shaders) {
+        const std::string name(shader.name);
+        if (!names.insert(shader.name).second)
+            found.push_back(name + ": exported twice");
+        if (!isOneLine(shader.about.text))
+            found.push_back(name + ": needs a description of one line of ASCII");
+        for (const VHL::Field& field : shader.fields)
+            if (!isOneLine(field.about))
+                found.push_back(name + ": its parameter \"" + field.name.text.data() +
+                                "\" needs a description of one line of ASCII");
+    }
+    return found;
+}
+
+std::string_view typeName(VHL::Kind kind)
+{
+    using enum VHL::Kind;
+    switch (kind) {
+    case boolean:
+        return "boolean";
+    case integer:
+        return "integer";
+    case scalar:
+        return "scalar";
+    case vector:
+        return "vector";
+    case color:
+        return "color";
+    case transform:
+        return "transform";
+    case string:
+        return "string";
+    case colorTexture:
+        return "color texture";
+    case scalarTexture:
+        return "scalar texture";
+    case vectorTexture:
+        return "vector texture";
+    case light:
+        return "light";
+    case material:
+        return "material";
+    case geometry:
+        return "geometry";
+    case shader:
+        return "shader";
+    }
+    return "";
+}
+
+std::string number(float value)
+{
+    char text[32];
+    const std::to_chars_result end = std::to_chars(text, text + sizeof text, value);
+    return {text, end.ptr};
+}
+
+std::string defaultText(const VHL::Field& field, int most)
+{
+    if (field.isArray)
+        return "";
+    const std::string one =
+        field.kind == VHL::Kind::boolean ? (field.standard != 0 ? "on" : "off") : number(field.standard);
+    std::string all;
+    for (int i = 0; i < std::min(most, componentCount(field.kind)); ++i)
+        all += (i > 0 ? " " : "") + one;
+    return all;
+}
+
+} // namespace declare

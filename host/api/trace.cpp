@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Rays that shaders cast.
+#include "host/render/trace.h"
+
+miBoolean mi_trace_eye(miColor* result, miState* state, miVector* origin, miVector* direction)
+{
+    return host::traceEye(*result, *state, *origin, *direction);
+}
+
+miBoolean mi_trace_reflection(miColor* result, miState* state, miVector* direction)
+{
+    return host::traceSecondary(*result, *state, *direction, miRAY_REFLECT);
+}
+
+miBoolean mi_trace_refraction(miColor* result, miState* state, miVector* direction)
+{
+    return host::traceSecondary(*result, *state, *direction, miRAY_REFRACT);
+}
+
+miBoolean mi_trace_transparent(miColor* result, miState* state)
+{
+    return host::traceSecondary(*result, *state, state->dir, miRAY_TRANSPARENT);
+}
+
+miBoolean mi_trace_environment(miColor* result, miState* state, miVector* direction)
+{
+    return host::traceEnvironment(*result, *state, *direction);
+}
+
+miBoolean mi_trace_shadow(miColor* const result, miState* const state)
+{
+    return host::traceShadow(*result, *state);
+}
+
+void mi_opacity_set(miState* state, miColor const* const opacity) { host::setOpacity(*state, *opacity); }

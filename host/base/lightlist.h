@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// The pair of parameters "mode" and "lights" by which shaders choose lights.
+#pragma once
+
+#include "host/base/shader.h"
+
+namespace host::base {
+
+/// Values of the parameter `mode`.
+enum class LightMode { given = 0, inclusive = 1, exclusive = 2, all = 4 };
+
+struct LightChoice {
+    miInteger mode;
+    Array<miTag> lights;
+};
+
+/// Calls visit(light instance) for each chosen light, in the order of the array or of the renderer's list.
+/// Mode 0 takes the array as it is; every mode the renderer answers gives leaf instances.
+template <class Visit>
+void forEachLight(miState* state, LightChoice& choice, Visit visit)
+{
+    const auto mode = static_cast<LightMode>(read(state, choice.mode));
+    int count = read(state, choice.lights.count);
+    miTag* lights = elements(state, choice.lights);
+    if (mode == LightMode::given) {
+        for (int i = 0; i < count; ++i)
+            visit(read(state, lights[i]));
+        return;
+    }
+    if (mode == LightMode::all)
+        count = 0;
+    if (mode == LightMode::inclusive)
+        mi_inclusive_lightlist(&count, &lights, state);
+    else
+        mi_exclusive_lightlist(&count, &lights, state);
+    for (int i = 0; i < count; ++i)
+        visit(lights[i]);
+}
+
+} // namespace host::base

@@ -1,0 +1,137 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// vhrender: reads scenes, renders their pictures.
+#include "host/cli/command_line.h"
+#include "host/cli/progress.h"
+#include "host/language/read.h"
+#include "host/render/render.h"
+#include "host/report/message.h"
+#include "host/session.h"
+
+#include <array>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <iterator>
+#include <sstream>
+#include <string>
+#include <unistd.h>
+#include <vector>
+
+namespace {
+
+using Strings = std::vector<std::string>;
+
+/// The words of an environment variable, split at any of `separators`.
+Strings environmentList(const char* name, const char* separators)
+{
+    const char* const value = std::getenv(name);
+    Strings words;
+    std::string text = value ? value : "";
+    for (std::size_t begin = 0; begin < text.size();) {
+        const std::size_t end = std::min(text.find_first_of(separators, begin), text.size());
+        if (end > begin)
+            words.push_back(text.substr(begin, end - begin));
+        begin = end + 1;
+    }
+    return words;
+}
+
+/// The command line's folders, then the environment's, then the one beside the program: `<prefix>/<beside>`
+/// of
+/// `<prefix>/bin/vhrender`.
+Strings searchPath(const Strings& given, const char* variable, const char* beside)
+{
+    Strings path = given;
+    const Strings more = environmentList(variable, ":;");
+    path.insert(path.end(), more.begin(), more.end());
+    std::error_code ignored;
+    const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", ignored);
+    if (!ignored)
+        path.push_back((program.parent_path().parent_path() / beside).string());
+    return path;
+}
+
+/// False when the command line does not want this frame.
+bool renderFrame(host::Session& session, const host::RenderCommand& render, const host::CommandLine& command)
+{
+    const auto* instance = session.database.findAs<host::Instance>(render.camera);
+    const auto* camera = instance ? session.database.findAs<host::Camera>(instance->record.item) : nullptr;
+    const int frame = camera ? camera->record.frame : 0;
+    if (!command.wants(frame))
+        return false;
+
+    host::RenderSettings settings;
+    settings.threads = command.threads;
+    settings.adjustOptions = [&](host::Options& options) { command.adjust(options); };
+    settings.adjustCamera = [&](host::Camera& adjusted) { command.adjust(adjusted); };
+    host::ProgressLine line("rendering frame " + std::to_string(frame));
+    settings.progress = [&](double fraction) { line.show(fraction); };
+    const auto begin = std::chrono::steady_clock::now();
+    host::render(session, render, settings);
+    const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - begin;
+    std::array<char, 64> text{};
+    std::snprintf(text.data(), text.size(), "frame %d rendered in %.1f seconds", frame, taken.count());
+    host::message(host::Level::progress, "RC", text.data());
+    return true;
+}
+
+void run(const host::CommandLine& command)
+{
+    host::Session session;
+    session.paths.include = searchPath(command.includePath, "MI_RAY_INCPATH", "include");
+    session.paths.library = searchPath(command.libraryPath, "MI_LIBRARY_PATH", "lib");
+    session.paths.texture = searchPath(command.texturePath, "MI_RAY_TEXTURE_PATH", "textures");
+    session.libraries.ignoreVersions(command.ignoreVersions);
+    if (command.verbosity) {
+        host::setVerbosity(*command.verbosity);
+        session.keepVerbosity = true;
+    }
+    int found = 0;
+    int rendered = 0;
+    session.onRender = [&](const host::RenderCommand& render) {
+        ++found;
+        rendered += renderFrame(session, render, command);
+    };
+
+    for (const std::string& library : command.libraries)
+        session.libraries.link(library, session.paths.library, {});
+    if (command.scenes.empty())
+        host::readScene(session, stdin, "<standard input>");
+    for (const std::string& scene : command.scenes)
+        host::readScene(session, scene);
+    if (found == 0)
+        host::message(host::Level::warning, "RC", "the scene has no render command: nothing was rendered");
+    else if (rendered == 0 && command.render)
+        host::message(host::Level::warning, "RC",
+                      "no frame of the scene is among the wanted ones: nothing was rendered");
+}
+
+} // namespace
+
+int main(int count, char** values)
+{
+    Strings arguments = environmentList("MI_RAY_OPTIONS", " \t\n");
+    arguments.insert(arguments.end(), values + 1, values + count);
+    const host::ParsedCommandLine parsed = host::parseCommandLine(arguments);
+    if (!parsed.command) {
+        if (parsed.status == 0)
+            std::fputs(parsed.text.c_str(), stdout);
+        else
+            std::fprintf(stderr, "vhrender: %s\n", parsed.text.c_str());
+        return parsed.status;
+    }
+    if (parsed.command->scenes.empty() && isatty(STDIN_FILENO)) {
+        std::fputs("vhrender: no scene file; vhrender -help tells how it is called\n", stderr);
+        return 2;
+    }
+    try {
+        run(*parsed.command);
+        return 0;
+    } catch (const std::bad_alloc&) {
+        host::message(host::Level::fatal, "RC", "out of memory");
+    } catch (const std::exception& error) {
+        host::message(host::Level::fatal, "RC", error.what());
+    }
+    return 1;
+}

@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// `camera "name" ... end camera`.
+#pragma once
+
+#include "host/language/shaders.h"
+#include "host/language/statement.h"
+
+namespace host::language {
+
+class CameraBuilder {
+public:
+    CameraBuilder(Context& context, Shaders& shaders) : context_(context), shaders_(shaders) {}
+
+    void begin(const Name& name);
+    void end();
+
+    void focal(const Statement& distance);
+    void focalInfinity();
+    void aperture(const Statement& width);
+    void aspect(const Statement& ratio);
+    void resolution(const Statement& size);
+    void offset(const Statement& pixels);
+    void window(const Statement& corners);
+    void clip(const Statement& distances);
+    void frame(const Statement& numbers);
+    void field(const Statement& number);
+
+    // Lists: a statement appends to what is there, its keyword alone clears.
+    void lens(std::vector<ShaderUse> uses) { append(camera_->lens, std::move(uses)); }
+    void environment(std::vector<ShaderUse> uses) { append(camera_->environment, std::move(uses)); }
+    void volume(std::vector<ShaderUse> uses) { append(camera_->volume, std::move(uses)); }
+    void output(const Name& dataType, const Name& format, const Name& file);
+    void clearOutputs() { camera_->outputs.clear(); }
+
+    // What stands inside an `output` or `framebuffer` statement, which takes it.
+    void quality(const Statement& number);
+    void compression(const Name& name) { output_.compression = name.text; }
+    void dataType(const Name& name) { output_.dataType = name.text; }
+    void fileType(const Name& name) { output_.format = name.text; }
+    void file(const Name& name) { output_.file = name.text; }
+
+    /// A buffer that goes to a file is an output.
+    void framebuffer(const Name& name);
+
+private:
+    void append(ShaderList& list, std::vector<ShaderUse> uses);
+
+    Context& context_;
+    Shaders& shaders_;
+    Definition<Camera> camera_;
+    Output output_;
+};
+
+} // namespace host::language

@@ -1,0 +1,94 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "host/language/commands.h"
+
+#include "host/report/message.h"
+
+#include <charconv>
+
+namespace host::language {
+
+namespace {
+
+// The generation of the renderer whose scenes are read.
+const std::vector<int> ourVersion = {3, 14};
+constexpr std::string_view ourVersionText = "3.14";
+
+/// "3.14.1" as 3, 14, 1; missing parts count as less than any number.
+std::vector<int> parts(const Name& version)
+{
+    std::vector<int> numbers;
+    const char* at = version.text.data();
+    const char* const end = at + version.text.size();
+    while (true) {
+        int& part = numbers.emplace_back();
+        const auto [stop, problem] = std::from_chars(at, end, part);
+        if (problem != std::errc() || part < 0 || (stop != end && *stop != '.'))
+            throw Error(version.where,
+                        "a version is numbers with points between them, found " + inQuotes(version.text));
+        if (stop == end)
+            return numbers;
+        at = stop + 1;
+    }
+}
+
+} // namespace
+
+void Commands::link(const Name& file)
+{
+    if (context_.session.linkLibraries)
+        context_.session.libraries.link(file.text, context_.session.paths.library, file.where);
+}
+
+void Commands::verbose(const Statement& level)
+{
+    const int number = level.integer(0, 0, 7);
+    if (!context_.session.keepVerbosity)
+        setVerbosity(number);
+}
+
+void Commands::minimumVersion(const Name& version)
+{
+    if (parts(version) > ourVersion)
+        throw Error(version.where, "the scene needs version " + version.text + " or later, this is " +
+                                       std::string(ourVersionText));
+}
+
+void Commands::maximumVersion(const Name& version)
+{
+    const std::vector<int> latest = parts(version);
+    if (latest < ourVersion && !std::equal(latest.begin(), latest.end(), ourVersion.begin()))
+        throw Error(version.where, "the scene needs version " + version.text + " or earlier, this is " +
+                                       std::string(ourVersionText));
+}
+
+void Commands::echo(const std::string& text) { message(Level::info, "SCEN", text); }
+
+void Commands::set(const std::string& name, std::string value)
+{
+    context_.session.variables[name] = std::move(value);
+}
+
+void Commands::remove(const Name& name)
+{
+    context_.session.database.remove(context_.find(name, "element").tag);
+}
+
+void Commands::touch(const Name& name) { context_.find(name, "element"); }
+
+void Commands::render(const Name& root, const Name& camera, const Name& options)
+{
+    RenderCommand command;
+    command.root = context_.find<Group>(root, "group").tag;
+    command.camera = context_.find<Instance>(camera, "instance").tag;
+    command.options = context_.find<Options>(options, "options element").tag;
+    command.where = root.where;
+    if (context_.session.onRender)
+        context_.session.onRender(command);
+}
+
+void Commands::unsupported(const char* what, const Location& where)
+{
+    throw Error(where, inQuotes(what) + " is not supported");
+}
+
+} // namespace host::language

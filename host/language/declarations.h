@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// `declare shader ... end declare`.
+#pragma once
+
+#include "host/language/context.h"
+
+#include <vector>
+
+namespace host::language {
+
+class DeclarationBuilder {
+public:
+    explicit DeclarationBuilder(Context& context) : context_(context) {}
+
+    void begin(Field result, const Name& name, std::vector<Field> parameters);
+    void version(int number) { declaration_.version = number; }
+    void apply(std::string kind) { declaration_.apply.push_back(std::move(kind)); }
+    void end() { context_.session.declarations.add(std::move(declaration_)); }
+
+private:
+    Context& context_;
+    Declaration declaration_;
+};
+
+} // namespace host::language

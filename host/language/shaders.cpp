@@ -1,0 +1,74 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "host/language/shaders.h"
+
+namespace host::language {
+
+ShaderList Shaders::make(std::vector<ShaderUse> uses)
+{
+    ShaderList list;
+    for (const ShaderUse& use : uses) {
+        if (use.type.text.empty())
+            refer(use.name, list);
+        else
+            list.push_back(create(use));
+    }
+    return list;
+}
+
+const Declaration& Shaders::declaration(const Name& type) const
+{
+    if (const Declaration* const found = context_.session.declarations.find(type.text))
+        return *found;
+    throw Error(type.where, "the shader " + inQuotes(type.text) + " is not declared");
+}
+
+miTag Shaders::create(const ShaderUse& use)
+{
+    auto function = std::make_unique<Function>(declaration(use.type), use.arguments,
+                                               context_.session.database, use.type.where);
+    function->name = use.name.text;
+    return context_.add(std::move(function));
+}
+
+void Shaders::refer(const Name& name, ShaderList& list)
+{
+    Element& element = context_.find(name, "shader");
+    if (const auto* const named = dynamic_cast<const NamedList*>(&element))
+        list.insert(list.end(), named->shaders.begin(), named->shaders.end());
+    else
+        list.push_back(context_.find<Function>(name, "shader").tag);
+}
+
+void Shaders::define(const Name& name, std::vector<ShaderUse> uses)
+{
+    if (context_.takeIncremental())
+        return change(name, std::move(uses));
+    ShaderUse& head = uses.front();
+    const bool definition = !head.type.text.empty() && head.name.text.empty();
+    if (uses.size() == 1 && definition) {
+        head.name = name;
+        create(head);
+        return;
+    }
+    auto list = std::make_unique<NamedList>();
+    list->name = name.text;
+    list->where = name.where;
+    list->shaders = make(std::move(uses));
+    context_.add(std::move(list));
+}
+
+// The element itself changes, so that lists and connections made to it follow.
+void Shaders::change(const Name& name, std::vector<ShaderUse> uses)
+{
+    if (auto* const list = dynamic_cast<NamedList*>(&context_.find(name, "shader"))) {
+        list->shaders = make(std::move(uses));
+        return;
+    }
+    Function& function = context_.find<Function>(name, "shader");
+    const ShaderUse& head = uses.front();
+    if (uses.size() != 1 || head.type.text.empty() || !head.name.text.empty())
+        throw Error(name.where, "a single shader can only be changed into a single shader");
+    function.redefine(declaration(head.type), head.arguments, head.type.where);
+}
+
+} // namespace host::language

@@ -1,0 +1,66 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "host/render/mesh.h"
+
+#include "host/render/vector.h"
+
+#include <algorithm>
+
+namespace host {
+
+namespace {
+
+miVector weighted(miVector a, miVector b, miVector c, float u, float v)
+{
+    const double w = 1.0 - double(u) - double(v);
+    return {float(w * a.x + double(u) * b.x + double(v) * c.x),
+            float(w * a.y + double(u) * b.y + double(v) * c.y),
+            float(w * a.z + double(u) * b.z + double(v) * c.z)};
+}
+
+} // namespace
+
+Mesh::Mesh(const Object& object) : object_(object)
+{
+    for (std::uint32_t i = 0; i < object.polygons.size(); ++i) {
+        triangulate(object, object.polygons[i], triangles_);
+        polygonOf_.resize(triangles_.size(), i);
+    }
+}
+
+SurfacePoint Mesh::at(std::uint32_t triangle, float u, float v) const
+{
+    const auto& [ia, ib, ic] = triangles_[triangle];
+    const miVector pa = position(ia), pb = position(ib), pc = position(ic);
+    SurfacePoint result;
+    result.point = weighted(pa, pb, pc, u, v);
+    result.geometric = crossDirection(pb - pa, pc - pa);
+    result.normal = result.geometric;
+    result.motion = {0.0f, 0.0f, 0.0f};
+    const Vertex &a = object_.vertices[ia], &b = object_.vertices[ib], &c = object_.vertices[ic];
+    const std::vector<miVector>& vectors = object_.vectors;
+    if (a.normal != Vertex::none && b.normal != Vertex::none && c.normal != Vertex::none) {
+        const miVector normal = weighted(vectors[a.normal], vectors[b.normal], vectors[c.normal], u, v);
+        if (!isNull(normal))
+            result.normal = normalised(normal);
+    }
+    if (a.motionCount && b.motionCount && c.motionCount) {
+        const auto motion = [&](const Vertex& x) { return vectors[object_.motionIndices[x.firstMotion]]; };
+        result.motion = weighted(motion(a), motion(b), motion(c), u, v);
+    }
+    return result;
+}
+
+void Mesh::textures(std::uint32_t triangle, float u, float v, std::vector<miVector>& result) const
+{
+    const auto& [ia, ib, ic] = triangles_[triangle];
+    const Vertex &a = object_.vertices[ia], &b = object_.vertices[ib], &c = object_.vertices[ic];
+    const std::uint32_t spaces = std::min({a.textureCount, b.textureCount, c.textureCount});
+    const auto texture = [&](const Vertex& x, std::uint32_t space) {
+        return object_.vectors[object_.textureIndices[x.firstTexture + space]];
+    };
+    result.clear();
+    for (std::uint32_t space = 0; space < spaces; ++space)
+        result.push_back(weighted(texture(a, space), texture(b, space), texture(c, space), u, v));
+}
+
+} // namespace host

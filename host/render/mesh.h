@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// An object's surface as triangles, ready for intersection.
+#pragma once
+
+#include "host/render/triangulate.h"
+
+namespace host {
+
+/// What a place on a surface has, in the object's own space.
+struct SurfacePoint {
+    miVector point;
+    miVector geometric; ///< unit normal of the triangle
+    miVector normal;    ///< interpolated, unit; the geometric one on faceted surfaces
+    miVector motion;    ///< null without motion vectors
+};
+
+/// The triangles of one object. Safe from any thread.
+class Mesh {
+public:
+    explicit Mesh(const Object& object);
+
+    const Object& object() const { return object_; }
+    const std::vector<Triangle>& triangles() const { return triangles_; }
+    const Polygon& polygon(std::uint32_t triangle) const { return object_.polygons[polygonOf_[triangle]]; }
+
+    /// Where a vertex is.
+    miVector position(std::uint32_t vertex) const { return object_.vectors[object_.vertices[vertex].point]; }
+
+    /// The place with these weights of the triangle's second and third vertex.
+    SurfacePoint at(std::uint32_t triangle, float u, float v) const;
+
+    /// The texture vectors of that place, space 0 first; as many spaces as all three vertices have.
+    void textures(std::uint32_t triangle, float u, float v, std::vector<miVector>& result) const;
+
+private:
+    const Object& object_;
+    std::vector<Triangle> triangles_;
+    std::vector<std::uint32_t> polygonOf_;
+};
+
+} // namespace host

@@ -1,0 +1,81 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "host/render/stage.h"
+
+#include "host/report/message.h"
+#include "host/shading/network.h"
+
+namespace host {
+
+namespace {
+
+Instance& placed(const Leaves& leaves, const RenderCommand& command)
+{
+    Instance* const leaf = leaves.camera(command.camera);
+    if (!leaf)
+        throw Error(command.where, "the camera instance is not in the scene that is to be rendered");
+    return *leaf;
+}
+
+const Camera& supported(const Camera& camera, const Options& options)
+{
+    if (!camera.volume.empty() && !options.record.no_volume)
+        throw Error(camera.where,
+                    "camera \"" + camera.name + "\" has a volume shader; volume shaders are not supported");
+    return camera;
+}
+
+/// The string option "composite opacity", which is on unless the scene says otherwise.
+bool compositesOpacity(const Options& options)
+{
+    const auto found = options.strings.find("composite opacity");
+    if (found == options.strings.end())
+        return true;
+    const bool* const on = std::get_if<bool>(&found->second);
+    return !on || *on;
+}
+
+void warnOfMotion(const Options& options, const Leaves& leaves, const Database& database)
+{
+    if (options.record.shutter <= 0.0f)
+        return;
+    for (const Instance* const leaf : leaves.objects()) {
+        const auto& object = static_cast<const Object&>(*database.find(leaf->record.item));
+        if (leaf->hasMotion || !object.motionIndices.empty()) {
+            message(Level::warning, "RC", "motion is passed to shaders, but moving objects are not blurred");
+            return;
+        }
+    }
+}
+
+} // namespace
+
+Stage::Stage(Session& session, const RenderCommand& command, const Camera& theCamera,
+             const Options& theOptions)
+    : database(session.database), options(theOptions), camera(supported(theCamera, theOptions)),
+      leaves(session.database, command.root), cameraLeaf(placed(leaves, command)),
+      rays(camera.record, cameraLeaf.record), surfaces(database), world(database, leaves, surfaces),
+      lights(database, leaves), environment(functionsOf(database, camera.environment, camera)),
+      textures(database, session.paths), compositesOpacity(host::compositesOpacity(theOptions))
+{
+    if (!options.record.no_lens)
+        lenses = functionsOf(database, camera.lens, camera);
+    warnOfMotion(options, leaves, database);
+}
+
+std::vector<Function*> Stage::roots() const
+{
+    std::vector<Function*> functions = lenses;
+    functions.insert(functions.end(), environment.begin(), environment.end());
+    surfaces.collect(functions);
+    lights.collect(functions);
+    return functions;
+}
+
+void Stage::loadTextures(const Network& network)
+{
+    for (const Function* const function : network.functions())
+        for (const miTag tag : function->references())
+            textures.load(tag);
+}
+
+} // namespace host

@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "host/render/surface.h"
+
+namespace host {
+
+FunctionList functionsOf(const Database& database, const ShaderList& list, const Element& user)
+{
+    FunctionList functions;
+    for (const miTag tag : list) {
+        auto* const function = database.findAs<Function>(tag);
+        if (!function)
+            throw Error(user.where, std::string(kindName(user.kind)) + ' ' + inQuotes(user.name) +
+                                        " lists a shader that was deleted");
+        functions.push_back(function);
+    }
+    return functions;
+}
+
+miBoolean callAll(const FunctionList& list, void* result, miState& state)
+{
+    miBoolean last = miFALSE;
+    for (Function* const function : list)
+        last = call(*function, result, state);
+    return last;
+}
+
+const Surface* Surfaces::add(miTag tag, const Element& user)
+{
+    if (tag == miNULLTAG)
+        return nullptr;
+    const auto [place, isNew] = surfaces_.try_emplace(tag);
+    Surface& surface = place->second;
+    if (!isNew)
+        return &surface;
+    const auto* const material = database_.findAs<Material>(tag);
+    if (!material)
+        throw Error(user.where, "\"" + user.name + "\" has a material that was deleted or is none");
+    if (!material->volume.empty())
+        throw Error(material->where, "material \"" + material->name +
+                                         "\" has a volume shader; volume shaders are not supported");
+    surface.tag = tag;
+    surface.opaque = material->record.opaque;
+    surface.shader = functionsOf(database_, material->shader, *material);
+    surface.shadow = functionsOf(database_, material->shadow, *material);
+    surface.environment = functionsOf(database_, material->environment, *material);
+    return &surface;
+}
+
+void Surfaces::collect(std::vector<Function*>& functions) const
+{
+    for (const auto& [tag, surface] : surfaces_)
+        for (const FunctionList* const list : {&surface.shader, &surface.shadow, &surface.environment})
+            functions.insert(functions.end(), list->begin(), list->end());
+}
+
+} // namespace host

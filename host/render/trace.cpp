@@ -1,0 +1,335 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "host/render/trace.h"
+
+#include "host/render/vector.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace host {
+
+namespace {
+
+constexpr double infinity = std::numeric_limits<double>::infinity();
+constexpr miColor black = {0.0f, 0.0f, 0.0f, 0.0f};
+
+/// Surfaces that an eye ray may shine through before it ends.
+constexpr int mostLayers = 64;
+
+void clearHit(miState& state)
+{
+    state.dist = 0.0;
+    state.pri = nullptr;
+    state.instance = miNULLTAG;
+    state.material = miNULLTAG;
+    state.label = 0;
+    state.inv_normal = miFALSE;
+    state.tex_list = nullptr;
+    state.point = state.normal = state.normal_geom = state.motion = state.tex = {0.0f, 0.0f, 0.0f};
+    state.dot_nd = 0.0f;
+    std::fill(std::begin(state.bary), std::end(state.bary), 0.0f);
+}
+
+/// A child of the state in the frame: a copy, but for what every new ray sets.
+void beginChild(Frame& frame, miState& parent, const FunctionList* environment, miRay_type type)
+{
+    frame.state = parent;
+    frame.state.parent = &parent;
+    frame.state.child = nullptr;
+    frame.state.type = type;
+    frame.environment = environment;
+    parent.child = &frame.state;
+}
+
+miBoolean callEnvironment(RenderThread& thread, Frame& frame, miColor& result)
+{
+    miState& state = frame.state;
+    clearHit(state);
+    if (state.environment == miNULLTAG)
+        return miFALSE;
+    const StateScope scope(state);
+    // A shader may have put another environment into its state; that is a single one.
+    const FunctionList* const list = frame.environment;
+    if (list && !list->empty() && list->front()->tag == state.environment)
+        return callAll(*list, &result, state);
+    auto* const other = thread.stage.database.findAs<Function>(state.environment);
+    return other ? call(*other, &result, state) : miFALSE;
+}
+
+/// Looks for the nearest hit of the frame's ray and lets its material shade it; a miss is the environment's.
+miBoolean shade(RenderThread& thread, Frame& frame, const Ray& ray, miColor& result)
+{
+    result = black;
+    Hit hit;
+    if (isNull(ray.direction) || !isFinite(ray.direction) || !isFinite(ray.origin) ||
+        !thread.stage.world.nearest(ray, hit))
+        return callEnvironment(thread, frame, result);
+    setHit(frame, ray, hit, true);
+    const Surface& surface = *World::surface(hit);
+    if (!surface.environment.empty()) {
+        frame.state.environment = surface.environment.front()->tag;
+        frame.environment = &surface.environment;
+    }
+    const StateScope scope(frame.state);
+    return callAll(surface.shader, &result, frame.state);
+}
+
+/// True when something behind would be seen through this opacity.
+bool seesThrough(const std::optional<miColor>& opacity)
+{
+    return opacity && (opacity->r < 1.0f || opacity->g < 1.0f || opacity->b < 1.0f);
+}
+
+void add(miColor& sum, const miColor& color, const miColor& share)
+{
+    sum.r += share.r * color.r;
+    sum.g += share.g * color.g;
+    sum.b += share.b * color.b;
+    sum.a += share.a * color.a;
+}
+
+void fade(miColor& share, const miColor& opacity)
+{
+    share.r *= 1.0f - opacity.r;
+    share.g *= 1.0f - opacity.g;
+    share.b *= 1.0f - opacity.b;
+    share.a *= 1.0f - opacity.a;
+}
+
+/// An eye ray, and what lies behind the surfaces that let themselves be seen through.
+miBoolean shadeEye(RenderThread& thread, Frame& frame, Ray ray, miColor& result)
+{
+    const miState start = frame.state;
+    const FunctionList* const environment = frame.environment;
+    const miBoolean found = shade(thread, frame, ray, result);
+    if (!thread.stage.compositesOpacity || !seesThrough(frame.opacity))
+        return found;
+    miColor share = {1.0f, 1.0f, 1.0f, 1.0f};
+    fade(share, *frame.opacity);
+    const FrameScope behind(thread);
+    behind->state = frame.state; // where the search goes on from
+    for (int layer = 1; layer < mostLayers && behind->state.dist > 0.0; ++layer) {
+        ray.near = behind->state.dist + startDistance(behind->state.point);
+        ray.startInstance = behind->state.instance;
+        ray.startPolygon = behind->state.pri;
+        behind->state = start;
+        behind->environment = environment;
+        behind->opacity.reset();
+        miColor color;
+        shade(thread, *behind, ray, color);
+        add(result, color, share);
+        if (!seesThrough(behind->opacity))
+            break;
+        fade(share, *behind->opacity);
+    }
+    return found;
+}
+
+Ray eyeRay(const miState& state)
+{
+    Ray ray;
+    ray.origin = state.org;
+    ray.direction = state.dir;
+    ray.far = infinity;
+    ray.seenBy = seenByEye;
+    ray.face = state.options->face ? state.options->face : 'a';
+    ray.faceMatters = true;
+    return ray;
+}
+
+miBoolean enterLens(RenderThread& thread, Frame& frame, miColor& result)
+{
+    const StateScope scope(frame.state);
+    result = black;
+    return call(*thread.stage.lenses[thread.lens++], &result, frame.state);
+}
+
+PixelFacts facts(const CameraRays& rays, const miState& state)
+{
+    PixelFacts result;
+    if (!(state.dist > 0.0))
+        return result;
+    result.depth = rays.depth(state.point);
+    result.normal = rays.toCamera(state.normal);
+    result.motion = rays.toCamera(state.motion);
+    result.label = state.label;
+    return result;
+}
+
+/// True when the state's surface may cast such rays, and its levels allow one more.
+bool mayCast(const RenderThread& thread, const miState& state, miRay_type type)
+{
+    const miOptions& options = *state.options;
+    const int reflections = state.reflection_level + (type == miRAY_REFLECT);
+    const int refractions = state.refraction_level + (type != miRAY_REFLECT);
+    if (!options.trace || reflections + refractions > options.trace_depth ||
+        (type == miRAY_REFLECT ? reflections > options.reflection_depth
+                               : refractions > options.refraction_depth))
+        return false;
+    const Body* const body = thread.stage.world.body(state.instance);
+    const unsigned bit = type == miRAY_REFLECT   ? castsReflection
+                         : type == miRAY_REFRACT ? castsRefraction
+                                                 : castsTransparency;
+    return !body || (body->rays & bit);
+}
+
+} // namespace
+
+double startDistance(const miVector& point)
+{
+    constexpr double roundings = 32.0 * std::numeric_limits<float>::epsilon();
+    return roundings * std::max({std::abs(point.x), std::abs(point.y), std::abs(point.z)});
+}
+
+void setHit(Frame& frame, const Ray& ray, const Hit& hit, bool flip)
+{
+    miState& state = frame.state;
+    const Body& body = *hit.body;
+    const Mesh& mesh = body.model->mesh;
+    const miTransform& tf = body.leaf->record.tf;
+    const SurfacePoint place = mesh.at(hit.triangle, hit.u, hit.v);
+    state.point = transformPoint(place.point, tf.local_to_global);
+    state.normal = normalised(transformNormal(place.normal, tf.global_to_local));
+    state.normal_geom = normalised(transformNormal(place.geometric, tf.global_to_local));
+    state.motion = transformVector(place.motion, tf.local_to_global);
+    const bool back = dot(state.normal_geom, ray.direction) > 0.0;
+    state.inv_normal = flip && back;
+    if (state.inv_normal) {
+        state.normal = -state.normal;
+        state.normal_geom = -state.normal_geom;
+    }
+    state.face = back ? 'b' : 'f';
+    state.dot_nd = float(dot(state.normal, ray.direction));
+    state.dist = hit.distance;
+    const float weights[] = {1.0f - hit.u - hit.v, hit.u, hit.v, 0.0f};
+    std::copy(std::begin(weights), std::end(weights), state.bary);
+    state.pri = const_cast<Polygon*>(&hit.polygon());
+    state.instance = body.tag();
+    state.label = mesh.object().label;
+    const Surface* const surface = World::surface(hit);
+    state.material = surface ? surface->tag : miNULLTAG;
+    state.shadow_tol = startDistance(state.point);
+    mesh.textures(hit.triangle, hit.u, hit.v, frame.textures);
+    state.tex_list = frame.textures.empty() ? nullptr : frame.textures.data();
+    state.tex = frame.textures.empty() ? miVector{0.0f, 0.0f, 0.0f} : frame.textures.front();
+}
+
+SampleResult sample(RenderThread& thread, float rasterX, float rasterY, float time)
+{
+    const Stage& stage = thread.stage;
+    const miOptions& options = stage.options.record;
+    const FrameScope frame(thread);
+    miState& state = frame->state;
+    state = miState{};
+    state.version = MI_STATE_VERSION;
+    state.camera_inst = stage.cameraLeaf.tag;
+    state.camera = &stage.camera.record;
+    state.options = &options;
+    state.ts = &thread.ts;
+    state.thread = short(thread.ts.number);
+    state.raster_x = rasterX;
+    state.raster_y = rasterY;
+    state.type = miRAY_EYE;
+    state.ior = state.ior_in = 1.0f;
+    state.importance = 1.0f;
+    if (options.shutter > 0.0f)
+        state.time = options.shutter_delay + time * (options.shutter - options.shutter_delay);
+    frame->environment = &stage.environment;
+    state.environment = stage.environment.empty() ? miNULLTAG : stage.environment.front()->tag;
+    const PrimaryRay primary = stage.rays.at(rasterX, rasterY);
+    state.org = primary.origin;
+    state.dir = primary.direction;
+
+    SampleResult result;
+    thread.lens = 0;
+    if (stage.lenses.empty()) {
+        Ray ray = eyeRay(state);
+        ray.near = primary.near;
+        ray.far = primary.far;
+        shadeEye(thread, *frame, ray, result.color);
+    } else {
+        enterLens(thread, *frame, result.color);
+    }
+    result.facts = facts(stage.rays, state);
+    return result;
+}
+
+miBoolean traceEye(miColor& result, miState& state, const miVector& origin, const miVector& direction)
+{
+    RenderThread& thread = RenderThread::of(state);
+    const FunctionList* const environment = thread.top().environment;
+    const FrameScope frame(thread);
+    state.org = origin;
+    state.dir = direction;
+    beginChild(*frame, state, environment, miRAY_EYE);
+    clearHit(frame->state);
+    const std::size_t lens = thread.lens;
+    miBoolean found;
+    if (lens < thread.stage.lenses.size()) {
+        found = enterLens(thread, *frame, result);
+    } else {
+        if (isFinite(direction))
+            frame->state.dir = normalised(direction);
+        found = shadeEye(thread, *frame, eyeRay(frame->state), result);
+    }
+    thread.lens = lens;
+    // A lens shader sees in its own state what was hit.
+    state.label = frame->state.label;
+    state.point = frame->state.point;
+    state.normal = frame->state.normal;
+    state.dist = frame->state.dist;
+    state.motion = frame->state.motion;
+    return found;
+}
+
+miBoolean traceSecondary(miColor& result, miState& state, const miVector& direction, miRay_type type)
+{
+    RenderThread& thread = RenderThread::of(state);
+    const bool allowed = mayCast(thread, state, type);
+    result = black;
+    if (!allowed && type == miRAY_TRANSPARENT)
+        return miFALSE;
+    const FunctionList* const environment = thread.top().environment;
+    const FrameScope frame(thread);
+    beginChild(*frame, state, environment, type);
+    miState& child = frame->state;
+    child.org = state.point;
+    child.dir = isFinite(direction) ? normalised(direction) : direction;
+    (type == miRAY_REFLECT ? child.reflection_level : child.refraction_level) += 1;
+    if (!allowed)
+        return callEnvironment(thread, *frame, result);
+    Ray ray;
+    ray.origin = child.org;
+    ray.direction = child.dir;
+    ray.near = startDistance(child.org);
+    ray.far = infinity;
+    ray.seenBy = type == miRAY_REFLECT   ? seenByReflection
+                 : type == miRAY_REFRACT ? seenByRefraction
+                                         : seenByTransparency;
+    ray.startInstance = state.instance;
+    ray.startPolygon = state.pri;
+    clearHit(child);
+    return shade(thread, *frame, ray, result);
+}
+
+miBoolean traceEnvironment(miColor& result, miState& state, const miVector& direction)
+{
+    RenderThread& thread = RenderThread::of(state);
+    const FunctionList* const environment = thread.top().environment;
+    const FrameScope frame(thread);
+    beginChild(*frame, state, environment, miRAY_ENVIRONMENT);
+    if (state.pri)
+        frame->state.org = state.point;
+    frame->state.dir = direction;
+    result = black;
+    return callEnvironment(thread, *frame, result);
+}
+
+void setOpacity(miState& state, const miColor& opacity)
+{
+    if (state.type != miRAY_LIGHT && state.type != miRAY_SHADOW && state.type != miRAY_ENVIRONMENT)
+        RenderThread::of(state).top().opacity = opacity;
+}
+
+} // namespace host

@@ -1,0 +1,52 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Following rays: the functions behind mi_trace_*, and the primary ray of a sample.
+#pragma once
+
+#include "host/render/film.h"
+#include "host/render/thread.h"
+
+namespace host {
+
+/// What a sample has seen.
+struct SampleResult {
+    miColor color;
+    PixelFacts facts;
+};
+
+/// Takes one sample: through the camera's lenses, or straight from the camera. `time` runs from 0 to 1 over
+/// the shutter.
+SampleResult sample(RenderThread& thread, float rasterX, float rasterY, float time);
+
+/// For lens shaders: the next lens, or the eye ray. Stores origin and direction in the state, and what was
+/// hit. A direction that is zero or not finite sees the environment.
+miBoolean traceEye(miColor& result, miState& state, const miVector& origin, const miVector& direction);
+
+/// Casts a ray from the state's point: `type` is reflect, refract or transparent. Beyond the trace depth, and
+/// where nothing is hit, reflected and refracted rays see the environment.
+miBoolean traceSecondary(miColor& result, miState& state, const miVector& direction, miRay_type type);
+
+/// Asks the state's environment.
+miBoolean traceEnvironment(miColor& result, miState& state, const miVector& direction);
+
+/// For light shaders: multiplies the colour by what lets light through between the state's org and point.
+/// False when nothing is left.
+miBoolean traceShadow(miColor& result, miState& state);
+
+/// The next sample of a light in the caller's loop, see mi_sample_light; `direction` and `cosine` may be
+/// null.
+miBoolean sampleLight(miColor& result, miVector* direction, float* cosine, miState& state, miTag light,
+                      int& samples);
+
+/// The leaf lights that the tags stand for, or all others; the list lives as long as the innermost ray.
+const std::vector<miTag>& lightList(miState& state, const miTag* tags, int count, bool exclusive);
+
+/// The opacity of the state's sample: the last one set counts.
+void setOpacity(miState& state, const miColor& opacity);
+
+/// Fills the state's hit fields. With `flip`, normals are turned against the ray.
+void setHit(Frame& frame, const Ray& ray, const Hit& hit, bool flip);
+
+/// How far rays that start at a surface keep off it: a few roundings of its coordinates.
+double startDistance(const miVector& point);
+
+} // namespace host

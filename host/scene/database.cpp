@@ -1,0 +1,70 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "host/scene/database.h"
+
+namespace host {
+
+Database::Database() = default;
+Database::~Database() = default;
+
+miTag Database::add(std::unique_ptr<Element> element)
+{
+    Entry& entry = entries_.emplace_back();
+    entry.element = std::move(element);
+    const miTag tag = static_cast<miTag>(entries_.size());
+    entry.element->tag = tag;
+    if (!entry.element->name.empty())
+        names_[entry.element->name] = tag;
+    return tag;
+}
+
+void Database::remove(miTag tag)
+{
+    Element* const element = find(tag);
+    if (!element)
+        return;
+    const auto named = names_.find(element->name);
+    if (named != names_.end() && named->second == tag)
+        names_.erase(named);
+    entries_[tag - 1].element.reset();
+}
+
+miTag Database::lookup(std::string_view name) const
+{
+    const auto named = names_.find(std::string(name));
+    return named == names_.end() ? miNULLTAG : named->second;
+}
+
+Element* Database::find(miTag tag) const noexcept
+{
+    return tag == miNULLTAG || tag > entries_.size() ? nullptr : entries_[tag - 1].element.get();
+}
+
+void* Database::pin(miTag tag) noexcept
+{
+    Element* const element = find(tag);
+    if (!element)
+        return nullptr;
+    entries_[tag - 1].pins.fetch_add(1, std::memory_order_relaxed);
+    return element->data();
+}
+
+bool Database::unpin(miTag tag) noexcept
+{
+    if (!find(tag))
+        return false;
+    std::atomic<long>& pins = entries_[tag - 1].pins;
+    long before = pins.load(std::memory_order_relaxed);
+    while (before > 0)
+        if (pins.compare_exchange_weak(before, before - 1, std::memory_order_relaxed))
+            return true;
+    return false;
+}
+
+long Database::pins(miTag tag) const noexcept
+{
+    return find(tag) ? entries_[tag - 1].pins.load(std::memory_order_relaxed) : 0;
+}
+
+miTag Database::last() const noexcept { return static_cast<miTag>(entries_.size()); }
+
+} // namespace host

@@ -1,0 +1,78 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "host/shading/call.h"
+
+#include "host/report/message.h"
+#include "host/shading/network.h"
+
+#include <cstring>
+
+namespace host {
+
+StateScope::StateScope(miState& state) : ts_(*state.ts)
+{
+    if (ts_.cachesInUse == ts_.caches.size())
+        ts_.caches.push_back(std::make_unique<ResultCache>(ts_.network.resultBytes()));
+    ResultCache& cache = *ts_.caches[ts_.cachesInUse++];
+    cache.flush();
+    state.cache = &cache;
+}
+
+miBoolean call(Function& function, void* result, miState& state, void* argument)
+{
+    if (!function.initialised.done())
+        state.ts->network.initialise(function, state);
+    return guarded(function, state, "execute",
+                   [&] { return function.shader->execute(result, &state, function.parameters(), argument); });
+}
+
+miBoolean call(const Database& database, const ShaderList& list, void* result, miState& state)
+{
+    miBoolean returned = miFALSE;
+    for (const miTag tag : list)
+        if (Function* const function = database.findAs<Function>(tag))
+            returned = call(*function, result, state);
+    return returned;
+}
+
+void* evaluateConnected(miState& state, void* parameter)
+{
+    const miFunction& caller = *state.shader;
+    miTag ghost;
+    std::memcpy(&ghost, static_cast<const std::byte*>(parameter) + caller.ghost_offs, sizeof ghost);
+    const Connection& connection = Function::of(&caller).connections()[ghost - 1];
+    Function& source = *connection.source;
+    ResultCache& cache = *static_cast<ResultCache*>(state.cache);
+    std::byte* const result = cache.result(source);
+    if (!cache.holds(source)) {
+        cache.clear(source);
+        call(source, result, state);
+        cache.store(source);
+    }
+    return result + connection.memberOffset;
+}
+
+void CallScope::reportPins()
+{
+    const Running& now = running();
+    if (firstTime(*now.function, Fault::unbalancedPins))
+        message(Level::error, "RC",
+                now.function->title() + ": " +
+                    (now.pins > 0 ? "left " + std::to_string(now.pins) + " database elements pinned"
+                                  : "unpinned " + std::to_string(-now.pins) + " database elements too many"));
+}
+
+void rethrowNaming(const Function& function, const char* what)
+{
+    const std::string who = function.title() + ": " + what + " failed";
+    try {
+        throw;
+    } catch (const Error&) {
+        throw;
+    } catch (const std::exception& error) {
+        throw Error(function.where, who + ": " + error.what());
+    } catch (...) {
+        throw Error(function.where, who);
+    }
+}
+
+} // namespace host

@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// The length of a vector, and the vector brought to length 1.
+
+#include "shaders/unary.h"
+
+#include <cmath>
+
+/// The squares are summed in single precision, x first; only the root is taken in double.
+static float length(const VHL::dVector& v)
+{
+    const float sum = v.x() * v.x() + v.y() * v.y() + v.z() * v.z();
+    return static_cast<float>(std::sqrt(static_cast<double>(sum)));
+}
+
+struct _vhVectorNormParams : VHL::Single<miVector> {};
+struct _vhNormalizeVectorParams : VHL::Single<miVector> {};
+
+struct vhVectorNorm final : VHL::dMentalRayShader<miScalar, _vhVectorNormParams, 1> {
+    int execute(miScalar* result, miState* state, Params* params) override
+    {
+        const VHL::dVector v = VHL::evaluate(state, params->input);
+        *result = length(v);
+        return 1;
+    }
+};
+
+struct vhNormalizeVector final : VHL::dMentalRayShader<miVector, _vhNormalizeVectorParams, 1> {
+    int execute(miVector* result, miState* state, Params* params) override
+    {
+        const VHL::dVector v = VHL::evaluate(state, params->input);
+        const float norm = length(v);
+        *result = norm != 0.0f ? v * (1.0f / norm) : v;
+        return 1;
+    }
+};
+
+VHL_EXPORT_SHADER(vhVectorNorm_v1, vhVectorNorm,
+                  "Length of the input, its squares summed in single precision, the root in double: infinite "
+                  "beyond about 1.8e19, 0 below about 2.6e-23.")
+VHL_EXPORT_SHADER(vhNormalizeVector_v1, vhNormalizeVector,
+                  "The input brought to length 1, the length as vhVectorNorm_v1 has it: 0 leaves the input "
+                  "as it is, an infinite one gives 0 (NaN from an infinite component), NaN gives NaN.")

@@ -1,0 +1,49 @@
+# SPDX-License-Identifier: BSD-3-Clause
+# Installs the library, moves the installation, then builds and runs the project beside this file against it: with
+# the CMake package and with pkg-config. Variables: build, work, project, source, generator, compiler, flags.
+cmake_minimum_required(VERSION 3.22)
+
+function(run)
+    execute_process(COMMAND ${ARGV} COMMAND_ERROR_IS_FATAL ANY OUTPUT_VARIABLE output)
+    set(output "${output}" PARENT_SCOPE)
+endfunction()
+
+function(expect text)
+    if(NOT output STREQUAL text)
+        message(FATAL_ERROR "expected \"${text}\", got \"${output}\"")
+    endif()
+endfunction()
+
+file(REMOVE_RECURSE ${work})
+run(${CMAKE_COMMAND} --install ${build} --component vhl --prefix ${work}/first)
+set(prefix ${work}/moved)
+file(RENAME ${work}/first ${prefix})
+
+if(NOT EXISTS ${prefix}/lib/libvhl.so)
+    message(FATAL_ERROR "lib/libvhl.so is not installed")
+endif()
+run(${CMAKE_COMMAND} -E compare_files ${prefix}/include/vhl.mi ${source}/declarations/vhl.mi)
+
+set(printed "1 0.75 1 a;b;\n")
+
+run(${CMAKE_COMMAND} -S ${project} -B ${work}/cmake -G ${generator} -DCMAKE_PREFIX_PATH=${prefix} -DCMAKE_CXX_COMPILER=${compiler}
+    -DCMAKE_CXX_FLAGS=${flags})
+run(${CMAKE_COMMAND} --build ${work}/cmake)
+run(${work}/cmake/consumer)
+expect("${printed}")
+
+file(GLOB_RECURSE description ${prefix}/*/vhl.pc)
+cmake_path(GET description PARENT_PATH directory)
+set(ENV{PKG_CONFIG_PATH} ${directory})
+run(pkg-config --cflags --libs vhl)
+string(STRIP "${flags} ${output}" options)
+separate_arguments(options UNIX_COMMAND "${options}")
+run(${compiler} -std=c++20 -Wall -Wextra -Werror ${project}/main.cpp ${options} -o ${work}/consumer)
+run(${work}/consumer)
+expect("${printed}")
+
+# Roundings are contract outside as well: no fused multiply and add, even where the machine has one.
+run(${compiler} -std=c++20 -O2 -mfma ${project}/main.cpp ${options} -S -o -)
+if(output MATCHES "vfn?m(add|sub)")
+    message(FATAL_ERROR "the value types fuse multiplications and additions")
+endif()

@@ -1,0 +1,61 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "bare_renderer.h"
+
+#include <cstdarg>
+#include <cstdlib>
+#include <map>
+
+static std::map<void*, BareRenderer::Block>& live()
+{
+    static std::map<void*, BareRenderer::Block> live;
+    return live;
+}
+
+BareRenderer& BareRenderer::get()
+{
+    static BareRenderer renderer;
+    return renderer;
+}
+
+// The library under test finds these in the running program.
+#pragma GCC visibility push(default)
+extern "C" {
+
+miBoolean mi_query(const miQ_type query, miState* const, miTag tag, void* const result, ...)
+{
+    BareRenderer& renderer = BareRenderer::get();
+    renderer.calls.emplace_back("mi_query");
+    if (query != miQ_FUNC_USERPTR || tag != miNULLTAG)
+        std::abort();
+    *static_cast<void***>(result) = &renderer.userSlot;
+    return miTRUE;
+}
+
+void* mi_phen_eval(miState*, void* parameter)
+{
+    BareRenderer& renderer = BareRenderer::get();
+    renderer.calls.emplace_back("mi_phen_eval");
+    return renderer.evaluate(parameter);
+}
+
+void* mi_mem_int_allocate(const char* const file, const int line, const int size)
+{
+    BareRenderer& renderer = BareRenderer::get();
+    renderer.calls.emplace_back("mi_mem_int_allocate");
+    void* const block = std::malloc(std::size_t(size));
+    renderer.allocated.push_back(live()[block] = {file, line, size});
+    return block;
+}
+
+void mi_mem_int_release(const char* const file, const int line, void* block)
+{
+    BareRenderer& renderer = BareRenderer::get();
+    renderer.calls.emplace_back("mi_mem_int_release");
+    const auto taken = live().extract(block);
+    if (!taken)
+        std::abort(); // never taken, or given back twice
+    renderer.released.push_back({file, line, taken.mapped().size});
+    std::free(block);
+}
+}
+#pragma GCC visibility pop

@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// The least renderer that a shader can live in: the functions that the library imports, and a log of their
+// calls.
+#pragma once
+
+#include <shader.h>
+
+#include <cstring>
+#include <functional>
+#include <string>
+#include <vector>
+
+/// One process-wide renderer, as shaders call plain functions. Not for several threads.
+struct BareRenderer {
+    struct Block {
+        std::string unit;
+        int line;
+        int size;
+        bool operator==(const Block&) const = default;
+    };
+
+    std::vector<std::string> calls;       ///< names of the functions called, in order
+    std::vector<Block> allocated;         ///< every block taken, and
+    std::vector<Block> released;          ///< every block given back, with the size it was taken with
+    void* userSlot = nullptr;             ///< of the one shader instance that runs
+    std::function<void*(void*)> evaluate; ///< what a connected parameter leads to
+
+    /// The renderer in use. `reset` makes it as new.
+    static BareRenderer& get();
+    void reset() { *this = {}; }
+};
+
+/// A parameter structure with the function record before it and, elsewhere, its ghost tags.
+template <class Params>
+struct Block {
+    Block()
+    {
+        std::memset(static_cast<void*>(this), 0, sizeof *this);
+        state.shader = &function;
+        function.ghost_offs =
+            static_cast<int>(reinterpret_cast<char*>(&ghosts) - reinterpret_cast<char*>(&params));
+    }
+    Block(const Block&) = delete;
+    Block& operator=(const Block&) = delete;
+
+    /// Marks the parameter as connected, or with another tag, and switches the ghost tags on.
+    template <class T>
+    void connect(T& field, miTag tag = 1)
+    {
+        std::memcpy(reinterpret_cast<char*>(&field) + function.ghost_offs, &tag, sizeof tag);
+        function.ghost_flag = 1;
+    }
+
+    Params before; ///< a place for ghost tags ahead of the parameters
+    miFunction function;
+    Params params;
+    Params ghosts;
+    miState state;
+};

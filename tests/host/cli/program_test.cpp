@@ -1,0 +1,411 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// The whole program on good and bad input: one clear message, the right exit status, nothing half-written.
+#include "tests/host/cli/program.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <sys/mount.h>
+
+using namespace testing_host;
+
+namespace {
+
+/// A square that fills a 4 by 4 picture with a constant colour, in parts that tests replace.
+struct Scene {
+    std::string head = "link \"libvhl.so\"\n"
+                       "$include <vhl.mi>\n";
+    std::string shaders = "shader \"red\" \"vhConstColor_v2\" ( \"input\" 1 0 0 1, \"useAlpha\" on )\n";
+    std::string options = "options \"opt\" samples 0 0 object space end options\n";
+    std::string camera = "camera \"cam\" output \"rgba\" \"tif\" \"out.tif\"\n"
+                         "focal 1 aperture 1 aspect 1 resolution 4 4 end camera\n";
+    std::string material = "material \"m\" = \"red\" end material\n";
+    std::string object = "object \"quad\" visible trace shadow\n"
+                         "group -2 -2 -1 2 -2 -1 2 2 -1 -2 2 -1\n"
+                         "v 0 v 1 v 2 v 3\n"
+                         "c \"m\" 0 1 2 3\n"
+                         "end group end object\n";
+    std::string instances = "instance \"cam-i\" \"cam\" end instance\n"
+                            "instance \"quad-i\" \"quad\" end instance\n"
+                            "instgroup \"root\" \"cam-i\" \"quad-i\" end instgroup\n";
+    std::string render = "render \"root\" \"cam-i\" \"opt\"\n";
+
+    std::string text() const
+    {
+        return head + shaders + options + camera + material + object + instances + render;
+    }
+};
+
+/// Runs a scene written to a folder of its own.
+class Program : public testing::Test {
+protected:
+    Outcome render(const std::string& text, std::vector<std::string> arguments = {})
+    {
+        folder.write("scene.mi", text);
+        arguments.emplace_back("scene.mi");
+        return run({folder.path(), arguments, {}, -1});
+    }
+
+    Outcome render(const Scene& scene, std::vector<std::string> arguments = {})
+    {
+        return render(scene.text(), std::move(arguments));
+    }
+
+    /// One line on the error stream that contains every given piece, status 1, and no picture.
+    void expectError(const Outcome& outcome, const std::vector<std::string>& pieces)
+    {
+        EXPECT_EQ(outcome.status, 1);
+        EXPECT_EQ(std::count(outcome.messages.begin(), outcome.messages.end(), '\n'), 1) << outcome.messages;
+        for (const std::string& piece : pieces)
+            EXPECT_NE(outcome.messages.find(piece), std::string::npos) << outcome.messages;
+        EXPECT_EQ(folder.names(), std::vector<std::string>{"scene.mi"});
+    }
+
+    Folder folder;
+};
+
+std::string repeated(const std::string& text, int times)
+{
+    std::string result;
+    for (int i = 0; i < times; ++i)
+        result += text;
+    return result;
+}
+
+} // namespace
+
+TEST_F(Program, RendersAndSaysNothing)
+{
+    const Outcome outcome = render(Scene());
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.messages, "");
+    EXPECT_EQ(outcome.output, "");
+    EXPECT_TRUE(folder.holds("out.tif"));
+}
+
+TEST_F(Program, ReadsStandardInputAndSeveralFilesAsOne)
+{
+    const Scene scene;
+    const std::string text = scene.text();
+    const auto feed = [&](int input) { feedBytes(input, text.data(), text.size()); };
+    EXPECT_EQ(run({folder.path(), {}, feed, -1}).status, 0);
+    EXPECT_TRUE(folder.holds("out.tif"));
+
+    const Folder other;
+    other.write("a.mi", scene.head + scene.shaders + scene.options + scene.camera + scene.material);
+    other.write("b.mi", scene.object + scene.instances + scene.render);
+    EXPECT_EQ(run({other.path(), {"a", "b.mi"}, {}, -1}).status, 0); // "a" is tried with .mi appended
+    EXPECT_TRUE(other.holds("out.tif"));
+}
+
+TEST_F(Program, WrongCallsEndWithStatus2)
+{
+    const Outcome outcome = run({folder.path(), {"-nonsense"}, {}, -1});
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_EQ(outcome.messages, "vhrender: unknown option '-nonsense'; -help lists them all\n");
+}
+
+TEST_F(Program, RenderOffOnlyReads)
+{
+    EXPECT_EQ(render(Scene(), {"-render", "off"}).status, 0);
+    EXPECT_FALSE(folder.holds("out.tif"));
+}
+
+TEST_F(Program, SceneWithoutRenderIsAWarning)
+{
+    Scene scene;
+    scene.render.clear();
+    const Outcome outcome = render(scene);
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_NE(outcome.messages.find("no render command"), std::string::npos) << outcome.messages;
+    EXPECT_FALSE(folder.holds("out.tif"));
+}
+
+TEST_F(Program, MissingFile)
+{
+    const Outcome outcome = run({folder.path(), {"nowhere.mi"}, {}, -1});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_NE(outcome.messages.find("nowhere.mi"), std::string::npos) << outcome.messages;
+}
+
+TEST_F(Program, MissingInclude)
+{
+    Scene scene;
+    scene.head += "$include \"absent.mi\"\n";
+    expectError(render(scene), {"scene.mi:3:", "absent.mi"});
+}
+
+TEST_F(Program, SyntaxError)
+{
+    Scene scene;
+    scene.options = "options \"opt\" samples 0 0 object end options\n";
+    expectError(render(scene), {"scene.mi:4:34: ", "space"});
+}
+
+TEST_F(Program, UnknownShader)
+{
+    Scene scene;
+    scene.shaders = "shader \"red\" \"vhConstColour\" ( )\n";
+    expectError(render(scene), {"scene.mi:3:14: ", "vhConstColour"});
+}
+
+TEST_F(Program, UnknownParameter)
+{
+    Scene scene;
+    scene.shaders = "shader \"red\" \"vhConstColor_v2\" ( \"inputs\" 1 0 0 1 )\n";
+    expectError(render(scene), {"scene.mi:3:34: ", "inputs", "vhConstColor_v2"});
+}
+
+TEST_F(Program, WrongType)
+{
+    Scene scene;
+    scene.shaders = "shader \"red\" \"vhConstColor_v2\" ( \"input\" \"blue\" )\n";
+    expectError(render(scene), {"scene.mi:3:42: ", "input", "color"});
+}
+
+TEST_F(Program, ConnectionOfWrongType)
+{
+    Scene scene;
+    scene.shaders = "shader \"up\" \"vhConstVector_v1\" ( \"input\" 0 1 0 )\n"
+                    "shader \"red\" \"vhConstColor_v2\" ( \"input\" = \"up\" )\n";
+    expectError(render(scene), {"scene.mi:4:", "vector", "color", "input"});
+}
+
+TEST_F(Program, Cycle)
+{
+    Scene scene;
+    scene.shaders += "shader \"a\" \"vhNullColor_v2\" ( \"input\" = \"red\" )\n"
+                     "incremental shader \"red\" \"vhConstColor_v2\" ( \"input\" = \"a\" )\n";
+    expectError(render(scene), {"scene.mi:", "circle", "\"a\"", "\"red\""});
+}
+
+TEST_F(Program, MissingLibrary)
+{
+    Scene scene;
+    scene.head += "link \"libabsent.so\"\n";
+    expectError(render(scene), {"scene.mi:3:", "libabsent.so"});
+}
+
+TEST_F(Program, MissingSymbol)
+{
+    Scene scene;
+    scene.shaders = "declare shader color \"vhAbsent_v1\" ( ) end declare\n"
+                    "shader \"red\" \"vhAbsent_v1\" ( )\n";
+    expectError(render(scene), {"vhAbsent_v1"});
+}
+
+TEST_F(Program, VersionMismatchIsRefusedUnlessTold)
+{
+    Scene scene;
+    scene.head = "link \"libvhl.so\"\n";
+    scene.shaders = "declare shader color \"vhConstColor_v2\" ( color \"input\", boolean \"useAlpha\", "
+                    "scalar \"alpha\" )\n"
+                    "version 7 end declare\n"
+                    "shader \"red\" \"vhConstColor_v2\" ( \"input\" 1 0 0 1, \"useAlpha\" on )\n";
+    expectError(render(scene), {"vhConstColor_v2", "7", "2"});
+
+    const Outcome forced = render(scene, {"-ignore_version"});
+    EXPECT_EQ(forced.status, 0);
+    EXPECT_NE(forced.messages.find("vhConstColor_v2"), std::string::npos) << forced.messages;
+    EXPECT_TRUE(folder.holds("out.tif"));
+}
+
+TEST_F(Program, MissingTexture)
+{
+    Scene scene;
+    scene.head += "link \"base.so\"\n$include <base.mi>\n";
+    scene.shaders = "color texture \"wood\" \"absent.png\"\n"
+                    "shader \"red\" \"mib_texture_lookup\" ( \"tex\" \"wood\", \"coord\" .5 .5 0 )\n";
+    expectError(render(scene), {"scene.mi:5:", "absent.png"});
+}
+
+TEST_F(Program, AShaderThatWasDeletedIsMissed)
+{
+    Scene scene;
+    scene.render.insert(0, "delete \"red\"\n");
+    expectError(render(scene), {"scene.mi:7:", "material \"m\"", "deleted"});
+}
+
+TEST_F(Program, ZeroSizedImage)
+{
+    expectError(render(Scene(), {"-resolution", "0", "4"}), {"0", "4"});
+    Scene scene;
+    scene.camera.replace(scene.camera.find("resolution 4 4"), 14, "resolution 4 0");
+    expectError(render(scene), {"4", "0"});
+}
+
+TEST_F(Program, NumbersThatNothingCanBeRenderedWith)
+{
+    const std::vector<std::vector<std::string>> options = {
+        {"-focal", "0"},      {"-focal", "nan"},     {"-aperture", "-3"},      {"-aspect", "0"},
+        {"-clip", "-1", "5"}, {"-clip", "5", "1"},   {"-clip", "nan", "nan"},  {"-gamma", "0"},
+        {"-jitter", "9"},     {"-shutter", "-1"},    {"-filter", "box", "-3"}, {"-samples", "3", "1"},
+        {"-samples", "30"},   {"-trace_depth", "-1"}};
+    for (const std::vector<std::string>& option : options) {
+        SCOPED_TRACE(option[0] + ' ' + option[1]);
+        expectError(render(Scene(), option), {"scene.mi:", "must "});
+    }
+    Scene scene;
+    scene.camera.replace(scene.camera.find("focal 1"), 7, "focal 1 clip -1 4");
+    expectError(render(scene), {"scene.mi:5:", "-1 and 4"});
+}
+
+TEST_F(Program, TheExtensionChoosesAFormatThatHoldsThePicture)
+{
+    for (const std::string name : {"a.exr", "a.hdr", "a.PNG", "a.tiff", "a.jpg"}) {
+        const Outcome outcome = render(Scene(), {"-o", name});
+        EXPECT_EQ(outcome.status, 0) << outcome.messages;
+        EXPECT_TRUE(folder.holds(name));
+    }
+    const Outcome unknown = render(Scene(), {"-o", "a.xyz"});
+    EXPECT_EQ(unknown.status, 1);
+    EXPECT_NE(unknown.messages.find("\"xyz\""), std::string::npos) << unknown.messages;
+    EXPECT_FALSE(folder.holds("a.xyz"));
+}
+
+TEST_F(Program, FramesThatAreNotThereAreAWarning)
+{
+    const Outcome outcome = render(Scene(), {"-render", "3", "5"});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_NE(outcome.messages.find("no frame"), std::string::npos) << outcome.messages;
+}
+
+TEST_F(Program, IndicesBeyondTheirLists)
+{
+    Scene scene;
+    scene.object.replace(scene.object.find("v 3"), 3, "v 4");
+    expectError(render(scene), {"scene.mi:10:", "4"});
+    scene = Scene();
+    scene.object.replace(scene.object.find("0 1 2 3"), 7, "0 1 2 9");
+    expectError(render(scene), {"scene.mi:11:", "9"});
+    scene = Scene();
+    scene.object.replace(scene.object.find("v 3"), 3, "v 3 n 99");
+    expectError(render(scene), {"scene.mi:10:", "99"});
+    scene = Scene();
+    scene.object.replace(scene.object.find("0 1 2 3"), 7, "0 1 2 -1");
+    expectError(render(scene), {"scene.mi:11:"});
+}
+
+TEST_F(Program, NestingIsLimited)
+{
+    const int depth = 100000;
+    for (const std::string bracket : {"[ ", "{ \"a\" "}) {
+        Scene scene;
+        scene.shaders += "shader \"deep\" \"vhConstColor_v2\" ( \"input\" " + repeated(bracket, depth);
+        expectError(render(scene), {"scene.mi:4:", "nest"});
+    }
+}
+
+TEST_F(Program, NetworksAreLimitedInDepth)
+{
+    Scene scene;
+    scene.shaders += "shader \"n0\" \"vhNullColor_v2\" ( \"input\" 1 1 1 )\n";
+    const int depth = 100000;
+    for (int i = 1; i <= depth; ++i)
+        scene.shaders += "shader \"n" + std::to_string(i) + "\" \"vhNullColor_v2\" ( \"input\" = \"n" +
+                         std::to_string(i - 1) + "\" )\n";
+    scene.material = "material \"m\" = \"n" + std::to_string(depth) + "\" end material\n";
+    expectError(render(scene), {"scene.mi:", "chain"});
+}
+
+TEST_F(Program, GroupsAreLimitedInDepth)
+{
+    Scene scene;
+    const int depth = 100000;
+    scene.instances = "instance \"cam-i\" \"cam\" end instance\n"
+                      "instance \"i0\" \"quad\" end instance\n";
+    for (int i = 1; i <= depth; ++i)
+        scene.instances += "instgroup \"g" + std::to_string(i) + "\" \"i" + std::to_string(i - 1) +
+                           "\" end instgroup\ninstance \"i" + std::to_string(i) + "\" \"g" +
+                           std::to_string(i) + "\" end instance\n";
+    scene.instances += "instgroup \"root\" \"cam-i\" \"i" + std::to_string(depth) + "\" end instgroup\n";
+    expectError(render(scene), {"deep"});
+}
+
+TEST_F(Program, RaysAreLimitedByTheStack)
+{
+    Scene scene; // between two mirrors that face each other
+    scene.head += "link \"base.so\"\n$include <base.mi>\n";
+    scene.shaders = "shader \"red\" \"mib_reflect\" ( \"input\" 0 0 0 1, \"reflect\" 1 1 1 )\n";
+    scene.options = "options \"opt\" samples 0 0 trace depth 1000000 end options\n";
+    scene.object.insert(scene.object.find("v 0"), "2 -2 1 -2 -2 1 -2 2 1 2 2 1\n");
+    scene.object.insert(scene.object.find("c \"m\""), "v 4 v 5 v 6 v 7\nc \"m\" 4 5 6 7\n");
+    expectError(render(scene, {"-resolution", "1", "1"}), {"nest too deep", "trace depth"});
+    scene.options = "options \"opt\" samples 0 0 trace depth 1000 end options\n";
+    EXPECT_EQ(render(scene, {"-resolution", "1", "1"}).status, 0);
+}
+
+TEST_F(Program, AreaLightsAreLimitedInSamples)
+{
+    Scene scene;
+    scene.head += "link \"base.so\"\n$include <base.mi>\n"
+                  "light \"lamp\" \"mib_light_point\" ( ) origin 0 0 0 sphere 1 32767 32767 end light\n"
+                  "instance \"lamp-i\" \"lamp\" end instance\n";
+    scene.instances.replace(scene.instances.find("\"quad-i\" end instgroup"), 8, "\"quad-i\" \"lamp-i\"");
+    expectError(render(scene), {"scene.mi:5:", "lamp", "65535"});
+}
+
+TEST_F(Program, ALineOfTwoGigabytesWithoutAnEnd)
+{
+    const std::string block(1 << 20, 'x');
+    for (const std::string begin : {"\"", "", "1", "echo \"", "# "}) {
+        bool all = true;
+        const Outcome outcome = run({folder.path(),
+                                     {},
+                                     [&](int input) {
+                                         feedBytes(input, begin.data(), begin.size());
+                                         for (int i = 0; all && i < 2048; ++i)
+                                             all = feedBytes(input, block.data(), block.size());
+                                     },
+                                     -1});
+        if (begin == "# ") { // a comment is skipped, however long
+            EXPECT_EQ(outcome.status, 0);
+            EXPECT_TRUE(all);
+        } else {
+            EXPECT_EQ(outcome.status, 1) << begin;
+            EXPECT_NE(outcome.messages.find("<standard input>:1:"), std::string::npos) << outcome.messages;
+        }
+    }
+}
+
+TEST_F(Program, ASceneCutOffAtEveryByte)
+{
+    const std::string text = Scene().text();
+    const std::size_t renderAt = text.find("render \"root\"");
+    for (std::size_t size = 0; size < text.size(); size += size + 97 < renderAt ? 97 : 1) {
+        // Every byte is cut at in one process by the reader's own tests; here the whole program, in steps.
+        const Outcome outcome = render(text.substr(0, size));
+        EXPECT_TRUE(outcome.status == 0 || outcome.status == 1) << size << ": " << outcome.messages;
+        EXPECT_FALSE(outcome.status == 1 && outcome.messages.empty()) << size;
+    }
+}
+
+TEST_F(Program, UnwritableOutput)
+{
+    const Outcome outcome = render(Scene(), {"-file_name", "absent/out.tif"});
+    expectError(outcome, {"absent"});
+}
+
+TEST_F(Program, AFullDiskLosesNothing)
+{
+    Folder disk;
+    const bool mounted = ::mount("tmpfs", disk.path().c_str(), "tmpfs", 0, "size=64k") == 0;
+    const std::string old = "the old picture";
+    disk.write("out.ppm", old);
+    folder.write("scene.mi", Scene().text());
+    // 120,000 bytes, as this format does not compress.
+    Launch launch{
+        folder.path(), {"-resolution", "200", "200", "-o", disk.path("out.ppm"), "scene.mi"}, {}, -1};
+    if (!mounted) // without the right to mount, files that may not grow past 64 KiB fail in the same way
+        launch.fileSizeLimit = 64 * 1024;
+    const Outcome outcome = run(launch);
+    EXPECT_EQ(outcome.status, 1) << outcome.messages;
+    EXPECT_NE(outcome.messages.find("out.ppm"), std::string::npos) << outcome.messages;
+    EXPECT_EQ(disk.names(), std::vector<std::string>{"out.ppm"});
+    EXPECT_EQ(disk.read("out.ppm"), old);
+    if (mounted) {
+        EXPECT_EQ(::umount(disk.path().c_str()), 0) << std::strerror(errno);
+    }
+}

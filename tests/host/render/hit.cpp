@@ -1,0 +1,312 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// What a material shader is told about the place that was hit, and what is hit at all.
+#include "tests/harness/stage.h"
+#include "tests/host/render/scene.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+namespace {
+
+using test::Scene;
+
+void expectNear(const miVector& v, double x, double y, double z, double tolerance = 1e-5)
+{
+    EXPECT_NEAR(v.x, x, tolerance);
+    EXPECT_NEAR(v.y, y, tolerance);
+    EXPECT_NEAR(v.z, z, tolerance);
+}
+
+/// Renders one pixel and returns the state of the material that the ray along -z meets.
+struct Looking : Scene {
+    miState seen{};
+    int calls = 0;
+    std::vector<miVector> textures;
+
+    host::Material& watcher(std::size_t spaces = 0)
+    {
+        return material([this, spaces](miColor& result, miState& state) {
+            seen = state;
+            ++calls;
+            if (state.tex_list)
+                textures.assign(state.tex_list, state.tex_list + spaces);
+            result = {1, 1, 1, 1};
+            return miTRUE;
+        });
+    }
+};
+
+TEST(Hit, AllFieldsOfAPrimaryHit)
+{
+    Looking scene;
+    auto& square = scene.square(1.0f);
+    square.label = 77;
+    auto& material = scene.watcher();
+    auto& instance = scene.place(square, {0.25f, -0.25f, -5.0f});
+    instance.materials = {material.tag};
+    const host::Polygon* const polygon = square.polygons.data();
+    scene.look();
+    EXPECT_EQ(scene.calls, 1);
+    const miState& s = scene.seen;
+    EXPECT_EQ(s.version, MI_STATE_VERSION);
+    EXPECT_EQ(s.type, miRAY_EYE);
+    EXPECT_EQ(s.parent, nullptr);
+    EXPECT_EQ(s.camera, &scene.camera.record);
+    EXPECT_EQ(s.options, &scene.options.record);
+    EXPECT_FLOAT_EQ(s.raster_x, 0.5f);
+    EXPECT_FLOAT_EQ(s.raster_y, 0.5f);
+    expectNear(s.org, 0, 0, 0);
+    expectNear(s.dir, 0, 0, -1);
+    expectNear(s.point, 0, 0, -5);
+    expectNear(s.normal, 0, 0, 1);
+    expectNear(s.normal_geom, 0, 0, 1);
+    EXPECT_NEAR(s.dist, 5.0, 1e-5);
+    EXPECT_NEAR(s.dot_nd, -1.0, 1e-6);
+    EXPECT_FALSE(s.inv_normal);
+    EXPECT_EQ(s.label, 77u);
+    EXPECT_EQ(s.material, material.tag);
+    EXPECT_EQ(s.pri, polygon);
+    EXPECT_EQ(s.tex_list, nullptr);
+    expectNear(s.motion, 0, 0, 0);
+    EXPECT_EQ(s.reflection_level, 0);
+    EXPECT_EQ(s.refraction_level, 0);
+    EXPECT_EQ(s.user, nullptr);
+    EXPECT_NEAR(s.bary[0] + s.bary[1] + s.bary[2], 1.0, 1e-6);
+    EXPECT_NE(s.instance, instance.tag);
+    EXPECT_NE(s.camera_inst, scene.cameraInstance.tag);
+    EXPECT_FALSE(scene.session.database.find(s.instance)) << "the leaf outlived the rendering";
+}
+
+TEST(Hit, TheLeafKnowsItsSceneInstanceAndItsObject)
+{
+    Scene scene;
+    auto& square = scene.square(1.0f);
+    auto& inner = scene.session.database.make<host::Group>();
+    auto& low = scene.place(square, {0, 0, -2}, &inner);
+    scene.place(inner, {0, 0, -1});
+    miInstance leaf{};
+    low.materials = {scene
+                         .material([&](miColor&, miState& state) {
+                             leaf = scene.session.database.findAs<host::Instance>(state.instance)->record;
+                             return miTRUE;
+                         })
+                         .tag};
+    scene.look();
+    EXPECT_EQ(leaf.parent, low.tag);
+    EXPECT_EQ(leaf.item, square.tag);
+    EXPECT_FLOAT_EQ(leaf.tf.local_to_global[14], -3.0f);
+    EXPECT_FLOAT_EQ(leaf.tf.global_to_local[14], 3.0f);
+}
+
+TEST(Hit, BehindASurfaceBothNormalsAreTurned)
+{
+    Looking scene;
+    auto& instance = scene.place(scene.square(1.0f));
+    test::setMatrix(instance, {-1, 0, 0, 0, 0, 1, 0, 0, 0, 0, -1, 0, 0, 0, -2, 1}); // half a turn about y
+    instance.materials = {scene.watcher().tag};
+    scene.look();
+    EXPECT_TRUE(scene.seen.inv_normal);
+    expectNear(scene.seen.normal, 0, 0, 1);
+    expectNear(scene.seen.normal_geom, 0, 0, 1);
+    EXPECT_LE(scene.seen.dot_nd, 0.0f);
+}
+
+TEST(Hit, NormalsAreInterpolatedAndGoWithTheTransposedInverse)
+{
+    Looking scene;
+    auto& triangle = scene.object({{-1, -1, 0}, {1, -1, 0}, {0, 1, 0}}, {{0, 1, 2}});
+    // Two to the left and right, one upwards.
+    const miVector normals[] = {{-0.6f, 0, 0.8f}, {0.6f, 0, 0.8f}, {0, 0.6f, 0.8f}};
+    for (std::uint32_t i = 0; i < 3; ++i) {
+        triangle.vertices[i].normal = std::uint32_t(triangle.vectors.size());
+        triangle.vectors.push_back(normals[i]);
+    }
+    auto& instance = scene.place(triangle);
+    test::setMatrix(instance, {1, 0, 0, 0, 0, 2, 0, 0, 0, 0, 3, 0, 0, 0, -4, 1});
+    instance.materials = {scene.watcher().tag};
+    scene.look();
+    // The ray meets (0, 0, 0) of the object: weights 1/4, 1/4, 1/2, sum (0, 0.3, 0.8), whose unit vector is
+    // then divided by the scale of each axis.
+    const double y = 0.3 / 2.0, z = 0.8 / 3.0, norm = std::hypot(y, z);
+    expectNear(scene.seen.normal, 0, y / norm, z / norm);
+    expectNear(scene.seen.normal_geom, 0, 0, 1);
+    EXPECT_NEAR(scene.seen.bary[0], 0.25, 1e-5);
+    EXPECT_NEAR(scene.seen.bary[1], 0.25, 1e-5);
+    EXPECT_NEAR(scene.seen.bary[2], 0.5, 1e-5);
+}
+
+TEST(Hit, AVertexWithoutANormalMakesTheSurfaceFaceted)
+{
+    Looking scene;
+    auto& triangle = scene.object({{-1, -1, 0}, {1, -1, 0}, {0, 1, 0}, {0.6f, 0, 0.8f}}, {{0, 1, 2}});
+    triangle.vertices[0].normal = triangle.vertices[1].normal = 3;
+    scene.place(triangle, {0, 0, -2}).materials = {scene.watcher().tag};
+    scene.look();
+    expectNear(scene.seen.normal, 0, 0, 1);
+}
+
+TEST(Hit, TextureSpacesAndMotionAreInterpolated)
+{
+    Looking scene;
+    auto& triangle = scene.object({{-1, -1, 0}, {1, -1, 0}, {0, 1, 0}}, {{0, 1, 2}});
+    for (std::uint32_t i = 0; i < 3; ++i) {
+        host::Vertex& v = triangle.vertices[i];
+        v.firstTexture = std::uint32_t(triangle.textureIndices.size());
+        v.textureCount = 2;
+        v.firstMotion = std::uint32_t(triangle.motionIndices.size());
+        v.motionCount = 1;
+        const float f = float(i);
+        for (const miVector& vector : {miVector{f, 0, 1}, miVector{0, f * f, -f}}) {
+            triangle.textureIndices.push_back(std::uint32_t(triangle.vectors.size()));
+            triangle.vectors.push_back(vector);
+        }
+        triangle.motionIndices.push_back(std::uint32_t(triangle.vectors.size()));
+        triangle.vectors.push_back({f, 1, 0});
+    }
+    auto& instance = scene.place(triangle);
+    test::setMatrix(instance, {1, 0, 0, 0, 0, 2, 0, 0, 0, 0, 1, 0, 0, 0, -2, 1});
+    instance.materials = {scene.watcher(2).tag};
+    scene.look();
+    // Weights 1/4, 1/4, 1/2 of vertices 0, 1, 2.
+    ASSERT_EQ(scene.textures.size(), 2u);
+    expectNear(scene.textures[0], 1.25, 0, 1);
+    expectNear(scene.textures[1], 0, 2.25, -1.25);
+    expectNear(scene.seen.motion, 1.25, 2, 0); // a direction, taken to internal space
+}
+
+TEST(Hit, MaterialsOfPolygonsInstancesAndLabels)
+{
+    struct Row {
+        const char* why;
+        bool own, tagged, overrides;
+        int label, inherited; ///< of so many inherited materials
+        int expected;         ///< -1: the polygon's own; -2: none, the ray goes on
+    };
+    const Row rows[] = {{"its own", true, false, false, 0, 1, -1},
+                        {"its own although one is inherited", true, false, false, 0, 2, -1},
+                        {"the inherited one", false, false, false, 0, 1, 0},
+                        {"the inherited one beats its own when it overrides", true, false, true, 0, 1, 0},
+                        {"a label picks from the list", false, true, false, 1, 3, 1},
+                        {"a label beyond the list picks the last", false, true, false, 9, 3, 2},
+                        {"without tags the first", false, false, false, 2, 3, 0},
+                        {"none", false, false, false, 0, 0, -2}};
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.why);
+        Scene scene;
+        auto& square = scene.square(1.0f);
+        square.tagged = row.tagged;
+        square.polygons.front().label = row.label;
+        if (row.own)
+            square.polygons.front().material = scene.plain({-1, 0, 0, 1}).tag;
+        auto& instance = scene.place(square, {0, 0, -2});
+        instance.record.mtl_override = row.overrides;
+        for (int i = 0; i < row.inherited; ++i)
+            instance.materials.push_back(scene.plain({float(i), 0, 0, 1}).tag);
+        scene.place(scene.square(1.0f), {0, 0, -3}).materials = {scene.plain({-2, 0, 0, 1}).tag};
+        EXPECT_EQ(scene.look().r, float(row.expected));
+    }
+}
+
+TEST(Hit, AMaterialThatIsGoneIsAnErrorThatNamesItsUser)
+{
+    Scene scene;
+    auto& square = scene.square(1.0f);
+    square.name = "tile";
+    square.polygons.front().material = 99999;
+    scene.place(square, {0, 0, -2});
+    EXPECT_EQ(test::errorOf([&] { scene.look(); }), "\"tile\" has a material that was deleted or is none");
+}
+
+TEST(Hit, FlagsDecideWhatEyeRaysSee)
+{
+    Scene scene;
+    auto& square = scene.square(1.0f);
+    auto& instance = scene.place(square, {0, 0, -2});
+    instance.materials = {scene.plain({1, 0, 0, 1}).tag};
+    EXPECT_EQ(scene.look().r, 1.0f);
+    square.visible = false;
+    EXPECT_EQ(scene.look().r, 0.0f);
+    instance.record.visible = 2;
+    EXPECT_EQ(scene.look().r, 1.0f);
+    instance.record.off = miTRUE;
+    EXPECT_EQ(scene.look().r, 0.0f);
+}
+
+TEST(Hit, FacesOfOptionsObjectAndInstance)
+{
+    // 'f' sees fronts only, 'b' backs only; an instance's face stands in for its object's, and the options'
+    // counts besides.
+    struct Row {
+        char options, object, instance;
+        bool front, back;
+    };
+    const Row rows[] = {
+        {'a', 'a', 0, true, true},   {'f', 'a', 0, true, false},  {'b', 'a', 0, false, true},
+        {'a', 'f', 0, true, false},  {'a', 'b', 0, false, true},  {'a', 'f', 'b', false, true},
+        {'a', 'f', 'a', true, true}, {'f', 'b', 0, false, false}, {'a', 'a', 'f', true, false}};
+    for (const Row& row : rows)
+        for (const bool front : {true, false})
+            for (const bool mirrored : {false, true}) {
+                SCOPED_TRACE(std::string() + row.options + row.object + (row.instance ? row.instance : '0'));
+                Scene scene;
+                scene.options.record.face = row.options;
+                auto& square = scene.square(1.0f);
+                square.face = row.object;
+                auto& instance = scene.place(square);
+                instance.record.face = row.instance;
+                const double x = mirrored ? -1 : 1, z = front ? 1 : -1;
+                test::setMatrix(instance, {x, 0, 0, 0, 0, 1, 0, 0, 0, 0, z, 0, 0, 0, -2, 1});
+                instance.materials = {scene.plain({1, 0, 0, 1}).tag};
+                EXPECT_EQ(scene.look().r, (front ? row.front : row.back) ? 1.0f : 0.0f);
+            }
+}
+
+TEST(Hit, ThroughAHoleOnlyWhatIsBehindIsSeen)
+{
+    Scene scene;
+    auto& frame = scene.object({{-1, -1, 0},
+                                {1, -1, 0},
+                                {1, 1, 0},
+                                {-1, 1, 0},
+                                {-.3f, -.3f, 0},
+                                {-.3f, .3f, 0},
+                                {.3f, .3f, 0},
+                                {.3f, -.3f, 0}},
+                               {{0, 1, 2, 3}});
+    frame.loops.push_back({std::uint32_t(frame.loopVertices.size()), 4});
+    frame.loopVertices.insert(frame.loopVertices.end(), {4, 5, 6, 7});
+    frame.polygons.front().loopCount = 2;
+    scene.place(frame, {0, 0, -1}).materials = {scene.plain({1, 0, 0, 1}).tag};
+    scene.place(scene.square(5), {0, 0, -2}).materials = {scene.plain({0, 1, 0, 1}).tag};
+    const host::Picture picture = scene.render(); // pixel centres at ±1/8, ±3/8 ... of the frame's plane
+    for (int y = 0; y < 8; ++y)
+        for (int x = 0; x < 8; ++x) {
+            const bool hole = x >= 3 && x <= 4 && y >= 3 && y <= 4;
+            EXPECT_EQ(picture.color(x, y).g, hole ? 1.0f : 0.0f) << x << ' ' << y;
+        }
+}
+
+TEST(Hit, AlphaAndBlackWhereNothingIsHit)
+{
+    Scene scene;
+    const miColor nothing = scene.look();
+    EXPECT_EQ(nothing.r, 0.0f);
+    EXPECT_EQ(nothing.a, 0.0f);
+}
+
+TEST(Hit, ShaderListsRunInOrderOnTheSameResult)
+{
+    Scene scene;
+    auto& material = scene.plain({0.5f, 0, 0, 1});
+    material.shader.push_back(scene
+                                  .shader([](miColor& result, miState&) {
+                                      result.r *= 3.0f;
+                                      return miFALSE;
+                                  })
+                                  .tag);
+    scene.place(scene.square(1), {0, 0, -1}).materials = {material.tag};
+    EXPECT_EQ(scene.look().r, 1.5f);
+}
+
+} // namespace

@@ -1,0 +1,18 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// One shader that hands every call on to the test that loaded it, so that each test says in place what its
+// materials, lights and lenses do.
+#include "tests/host/render/hook.h"
+
+extern "C" {
+
+DLLEXPORT __attribute__((visibility("default"))) Hook hook_target = {nullptr, nullptr};
+
+__attribute__((visibility("default"))) int hook_version() { return 1; }
+
+__attribute__((visibility("default"))) miBoolean hook(void* result, miState* state,
+                                                      HookParameters* parameters)
+{
+    const int number = *static_cast<int*>(mi_eval(state, &parameters->number));
+    return hook_target.call(hook_target.context, number, result, state, parameters);
+}
+}

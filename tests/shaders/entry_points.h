@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// The library by its entry points, without a host.
+#pragma once
+
+#include <shader.h>
+
+#include <dlfcn.h>
+
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+/// The loaded library; unloaded with the object.
+class Library {
+public:
+    explicit Library(const char* file = VHL_LIBRARY) : handle_(dlopen(file, RTLD_NOW | RTLD_LOCAL))
+    {
+        if (!handle_)
+            throw std::runtime_error(dlerror());
+    }
+    ~Library() { dlclose(handle_); }
+    Library(const Library&) = delete;
+    Library& operator=(const Library&) = delete;
+
+    template <class Function>
+    Function* function(const std::string& name) const
+    {
+        void* const address = dlsym(handle_, name.c_str());
+        if (!address)
+            throw std::runtime_error(dlerror());
+        return reinterpret_cast<Function*>(address);
+    }
+
+private:
+    void* handle_;
+};
+
+/// A shader's four functions.
+struct EntryPoints {
+    EntryPoints(const Library& library, std::string_view shader)
+        : name(shader), execute(library.function<int(void*, miState*, void*)>(name)),
+          init(library.function<void(miState*, void*, miBoolean*)>(name + "_init")),
+          exit(library.function<void(miState*, void*)>(name + "_exit")),
+          version(library.function<int()>(name + "_version"))
+    {
+    }
+
+    std::string name;
+    int (*execute)(void* result, miState* state, void* params);
+    void (*init)(miState* state, void* params, miBoolean* request);
+    void (*exit)(miState* state, void* params);
+    int (*version)();
+};
+
+/// Room for the parameters and the result of any shader.
+struct AnyParams {
+    alignas(8) char bytes[2048];
+};

@@ -1,0 +1,131 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Every declared shader's life in the host: what is called, and what the host's accounts say of it.
+#include "components.h"
+#include "evaluation_order.h"
+#include "host/api/memory.h"
+#include "tests/harness/call.h"
+
+#include <gtest/gtest.h>
+
+#include <map>
+
+namespace {
+
+using test::Call;
+
+/// Names and declarations of all shaders in the library's declaration file.
+std::map<std::string, const host::Declaration*> declaredShaders()
+{
+    const Call reads("vhNullScalar_v1"); // the file, when this is the first
+    std::map<std::string, const host::Declaration*> shaders;
+    for (const auto& [name, declaration] : Call::session().declarations.all())
+        if (name.starts_with("vh"))
+            shaders.emplace(name, &declaration);
+    return shaders;
+}
+
+int version(const std::string& shader)
+{
+    const Call links(shader); // the library, when this is the first
+    return reinterpret_cast<int (*)()>(Call::session().libraries.symbol(shader + "_version"))();
+}
+
+TEST(ShaderLife, EveryArithmeticShaderIsDeclared)
+{
+    const auto declared = declaredShaders();
+    for (const Orders& orders : evaluationOrders())
+        EXPECT_TRUE(declared.contains(orders.shader)) << orders.shader;
+}
+
+TEST(ShaderLife, VersionsAreTheDeclaredOnesAndThoseInTheNames)
+{
+    for (const auto& [name, declaration] : declaredShaders()) {
+        SCOPED_TRACE(name);
+        EXPECT_EQ(version(name), declaration->version);
+        EXPECT_EQ("_v" + std::to_string(version(name)), name.substr(name.rfind('_')));
+    }
+}
+
+TEST(ShaderLife, VersionsByName)
+{
+    EXPECT_EQ(version("vhAddColor_v2"), 2);
+    EXPECT_EQ(version("vhAddScalar_v1"), 1);
+    EXPECT_EQ(version("vhNullScalar_v1"), 1);
+    EXPECT_EQ(version("vhConstScalar_v1"), 1);
+}
+
+TEST(ShaderLife, TheHostCallsTheWholeProtocolInOrder)
+{
+    for (const auto& [name, declaration] : declaredShaders()) {
+        SCOPED_TRACE(name);
+        Call call(name);
+        call.record();
+        run(call, declaration->result.size);
+        run(call, declaration->result.size);
+        call.end();
+        EXPECT_EQ(call.events(), (std::vector<std::string>{"version", "init", "init instance", "execute",
+                                                           "execute", "exit instance", "exit"}));
+    }
+}
+
+TEST(ShaderLife, AnInstanceHoldsOneCellOfEightBytesFromInitToExit)
+{
+    ASSERT_TRUE(host::memoryInUse().empty());
+    for (const auto& [name, declaration] : declaredShaders()) {
+        SCOPED_TRACE(name);
+        Call call(name);
+        const std::size_t before = host::memoryAllocations();
+        run(call, declaration->result.size);
+        const std::vector<host::MemoryUse> inUse = host::memoryInUse();
+        ASSERT_EQ(inUse.size(), 1u);
+        EXPECT_EQ(inUse[0].blocks, 1u);
+        EXPECT_EQ(inUse[0].bytes, 8u);
+        EXPECT_EQ(inUse[0].file.find_first_of("/."), std::string::npos) << inUse[0].file << " is a bare name";
+        run(call, declaration->result.size);
+        call.end();
+        EXPECT_TRUE(host::memoryInUse().empty());
+        EXPECT_EQ(host::memoryAllocations(), before + 1) << "none while rendering";
+    }
+}
+
+TEST(ShaderLife, ShadersAreTheirUnitsAndEachHasAPlaceOfItsOwn)
+{
+    std::map<std::pair<std::string, int>, std::string> places;
+    for (const auto& [name, declaration] : declaredShaders()) {
+        Call call(name);
+        run(call, declaration->result.size);
+        const std::vector<host::MemoryUse> inUse = host::memoryInUse();
+        ASSERT_EQ(inUse.size(), 1u);
+        const auto [place, added] = places.emplace(std::pair{inUse[0].file, inUse[0].line}, name);
+        EXPECT_TRUE(added) << name << " and " << place->second << " share a place";
+    }
+    const auto unitOf = [&places](const std::string& shader) {
+        for (const auto& [place, name] : places)
+            if (name == shader)
+                return place.first;
+        return std::string();
+    };
+    EXPECT_EQ(unitOf("vhAddColor_v2"), "add");
+    EXPECT_EQ(unitOf("vhSubAColor_v1"), "subA");
+    EXPECT_EQ(unitOf("vhCeilScalar_v1"), "ceiling");
+    EXPECT_EQ(unitOf("vhConstVector_v1"), "null");
+    EXPECT_EQ(unitOf("vhVectorNorm_v1"), "util");
+    EXPECT_EQ(unitOf("vhNormalizeVector_v1"), "util");
+}
+
+TEST(ShaderLife, InstancesOfOneShaderHoldACellEach)
+{
+    Call first("vhAddScalar_v1");
+    first.define("one", "vhAddScalar_v1", {}).define("two", "vhAddScalar_v1", {});
+    first.set("input1", test::connection("one")).set("input2", test::connection("two"));
+    first.run<miScalar>();
+    const std::vector<host::MemoryUse> inUse = host::memoryInUse();
+    ASSERT_EQ(inUse.size(), 1u);
+    EXPECT_EQ(inUse[0].file, "add");
+    EXPECT_EQ(inUse[0].blocks, 3u);
+    EXPECT_EQ(inUse[0].bytes, 24u);
+    first.end();
+    EXPECT_TRUE(host::memoryInUse().empty());
+}
+
+} // namespace

@@ -1,0 +1,71 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// The four entry points of every exported shader, from the list of export lines.
+#include "declare/shaders.h"
+#include "entry_points.h"
+#include "tests/core/bare_renderer.h"
+
+#include <gtest/gtest.h>
+
+/// Runs a check on each shader with a renderer as new.
+template <class Check>
+static void forEachShader(Check check)
+{
+    const Library library;
+    for (const VHL::Description& description : declare::shaders()) {
+        SCOPED_TRACE(description.name);
+        BareRenderer& renderer = BareRenderer::get();
+        renderer.reset();
+        Block<AnyParams> block;
+        check(description, EntryPoints(library, description.name), renderer, block);
+    }
+}
+
+TEST(Protocol, VersionIsTheOneInTheName)
+{
+    forEachShader([](const VHL::Description& description, const EntryPoints& shader, auto&, auto&) {
+        EXPECT_EQ(shader.version(), description.version);
+        EXPECT_EQ("_v" + std::to_string(shader.version()), shader.name.substr(shader.name.rfind('_')));
+    });
+}
+
+TEST(Protocol, InitOfTheShaderAsksForInstancesAndTouchesNoUserSlot)
+{
+    forEachShader([](auto&, const EntryPoints& shader, BareRenderer& renderer, Block<AnyParams>& block) {
+        miBoolean request = miFALSE;
+        shader.init(&block.state, nullptr, &request);
+        EXPECT_EQ(request, 1);
+        EXPECT_TRUE(renderer.calls.empty());
+        EXPECT_EQ(renderer.userSlot, nullptr);
+    });
+}
+
+TEST(Protocol, ExitOfTheShaderTouchesNoUserSlot)
+{
+    forEachShader([](auto&, const EntryPoints& shader, BareRenderer& renderer, Block<AnyParams>& block) {
+        shader.exit(&block.state, nullptr);
+        EXPECT_TRUE(renderer.calls.empty());
+    });
+}
+
+TEST(Protocol, InstanceTakesOneCellAndGivesItBack)
+{
+    forEachShader([](const VHL::Description& description, const EntryPoints& shader, BareRenderer& renderer,
+                     Block<AnyParams>& block) {
+        miBoolean request = miFALSE;
+        shader.init(&block.state, &block.params, &request);
+        EXPECT_EQ(request, 0);
+        const std::vector<BareRenderer::Block> cell = {{std::string(description.unit), description.line, 8}};
+        EXPECT_EQ(renderer.allocated, cell);
+        void* const slot = renderer.userSlot;
+        ASSERT_NE(slot, nullptr);
+
+        AnyParams result;
+        EXPECT_EQ(shader.execute(&result, &block.state, &block.params), 1);
+
+        shader.exit(&block.state, &block.params);
+        EXPECT_EQ(renderer.released, cell);
+        EXPECT_EQ(renderer.userSlot, slot) << "the renderer discards it";
+        EXPECT_EQ(renderer.calls, (std::vector<std::string>{"mi_query", "mi_mem_int_allocate", "mi_query",
+                                                            "mi_query", "mi_mem_int_release"}));
+    });
+}

@@ -1,0 +1,101 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// The library in a process with an operator new and delete of its own, which counts.
+#include "declare/shaders.h"
+#include "entry_points.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <new>
+#include <vector>
+
+struct Count {
+    int made = 0;
+    int deleted = 0;
+    bool operator==(const Count&) const = default;
+};
+static Count count;
+
+#pragma GCC visibility push(default)
+void* operator new(std::size_t size)
+{
+    ++count.made;
+    if (void* const block = std::malloc(size > 0 ? size : 1))
+        return block;
+    throw std::bad_alloc();
+}
+static void release(void* block) noexcept
+{
+    if (block)
+        ++count.deleted;
+    std::free(block);
+}
+void operator delete(void* block) noexcept { release(block); }
+void operator delete(void* block, std::size_t) noexcept { release(block); }
+
+// A renderer for one instance that never uses operator new itself, so that what is counted is the library's.
+extern "C" {
+static void* userSlot;
+static void* cell[1];
+
+miBoolean mi_query(const miQ_type, miState* const, miTag, void* const result, ...)
+{
+    *static_cast<void***>(result) = &userSlot;
+    return miTRUE;
+}
+void* mi_phen_eval(miState*, void* parameter) { return parameter; }
+void* mi_mem_int_allocate(const char* const, const int, const int) { return cell; }
+void mi_mem_int_release(const char* const, const int, void*) {}
+}
+#pragma GCC visibility pop
+
+/// What a call makes and deletes.
+template <class Call>
+static Count counted(Call call)
+{
+    const Count before = count;
+    call();
+    return {count.made - before.made, count.deleted - before.deleted};
+}
+
+TEST(ReplacedNew, EveryObjectGoesTheWayItCame)
+{
+    const Library library;
+    for (const VHL::Description& description : declare::shaders()) {
+        SCOPED_TRACE(description.name);
+        const EntryPoints shader(library, description.name);
+        miFunction function{};
+        miState state{};
+        state.shader = &function;
+        AnyParams params{}, result{};
+        miBoolean request = miFALSE;
+
+        // A compiler may see that a temporary object without data is never used, and leave it out.
+        const Count whole = counted([&] { shader.init(&state, nullptr, &request); });
+        EXPECT_EQ(whole.made, whole.deleted);
+        EXPECT_EQ(counted([&] { shader.init(&state, &params, &request); }), (Count{1, 0})) << "the object";
+        EXPECT_EQ(counted([&] { shader.execute(&result, &state, &params); }), (Count{0, 0})) << "rendering";
+        EXPECT_EQ(counted([&] { shader.exit(&state, &params); }), (Count{0, 1})) << "the object";
+        const Count end = counted([&] { shader.exit(&state, nullptr); });
+        EXPECT_EQ(end.made, end.deleted);
+    }
+}
+
+TEST(ReplacedNew, TextFunctionsDeleteWhatTheyMake)
+{
+    const Library library;
+    using Pieces = std::vector<char*>;
+    const auto join = library.function<char*(char, Pieces)>("_ZN3VHL4joinEcSt6vectorIPcSaIS1_EE");
+    const auto split = library.function<Pieces(char, char*)>("_ZN3VHL5splitEcPc");
+    char text[] = "a,b";
+    const Count used = counted([&] {
+        const Pieces pieces = split(',', text);
+        EXPECT_EQ(pieces.size(), 2u);
+        char* const joined = join(',', pieces);
+        EXPECT_STREQ(joined, "a,b,");
+        std::free(joined);
+    });
+    EXPECT_GT(used.made, 0) << "lists are made with operator new";
+    EXPECT_EQ(used.made, used.deleted);
+}
