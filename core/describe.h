@@ -4,6 +4,7 @@
 
 #include "fields.h"
 
+#include <optional>
 #include <span>
 #include <string_view>
 
@@ -14,6 +15,7 @@ struct About {
     std::string_view text; ///< one line: what the shader computes, and what it does at the edges
     std::string_view
         apply{}; ///< where applications offer it, "lens" for example; by the result when left out
+    std::optional<Kind> result{}; ///< of a result of one word, which may be a boolean, an integer or a handle
 };
 
 /// A shader with everything that a scene has to know of it.
@@ -23,21 +25,56 @@ struct Description {
     int line;
     int version;
     Kind result;
+    std::span<const Field> members; ///< of a result that is a structure
     std::span<const Field> fields;
     About about;
 };
 
-template <class Params>
-inline constexpr auto fieldList = Params::fields();
+template <class Structure>
+inline constexpr auto fieldList = Structure::fields();
+
+/// A result that is a structure lists its members as parameters are listed.
+template <class Result>
+concept Structure = requires
+{
+    Result::fields();
+};
+
+/// The declared kind of a result: the one that was named, for a word; else what the type stands for.
+template <class Result>
+consteval Kind resultKind(std::optional<Kind> named)
+{
+    if constexpr (Structure<Result>)
+        return Kind::structure;
+    else if constexpr (sizeof(Result) == sizeof(miTag) && !std::is_same_v<Result, miScalar>) {
+        if (!named || !isStoredAs<Result>(*named))
+            throw "a word may be many things: name the result's kind, and one that is stored in this type";
+        return *named;
+    } else
+        return kindOf<Result>();
+}
+
+template <class Result>
+consteval std::span<const Field> membersOf()
+{
+    if constexpr (Structure<Result>) {
+        static_assert(tiles<Result>() && documented<Result>(),
+                      "fields() has to list and describe every member");
+        return fieldList<Result>;
+    } else
+        return {};
+}
 
 template <class Shader>
-Description describe(std::string_view name, std::string_view unit, int line, const About& about)
+consteval Description describe(std::string_view name, std::string_view unit, int line, const About& about)
 {
+    using Result = typename Shader::Result;
     return {name,
             unit,
             line,
             Shader::version(),
-            kindOf<typename Shader::Result>(),
+            resultKind<Result>(about.result),
+            membersOf<Result>(),
             fieldList<typename Shader::Params>,
             about};
 }

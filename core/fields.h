@@ -34,7 +34,8 @@ enum class Kind {
     light,
     material,
     geometry,
-    shader
+    shader,
+    structure ///< of several members; only as a result
 };
 
 /// Components of a value: what a default has to give.
@@ -120,18 +121,35 @@ constexpr Kind kindOf()
     }
 }
 
+/// Whether a value of the kind is stored in the type.
+template <class T>
+constexpr bool isStoredAs(Kind kind)
+{
+    switch (kind) {
+    case Kind::boolean:
+        return std::is_same_v<T, miBoolean>;
+    case Kind::integer:
+        return std::is_same_v<T, miInteger>;
+    case Kind::scalar:
+        return std::is_same_v<T, miScalar>;
+    case Kind::vector:
+        return std::is_same_v<T, miVector>;
+    case Kind::color:
+        return std::is_same_v<T, miColor>;
+    case Kind::transform:
+        return std::is_same_v<T, miMatrix>;
+    case Kind::structure:
+        return false;
+    default:
+        return std::is_same_v<T, miTag>; // a handle
+    }
+}
+
 /// A kind that was named, checked against the type it is stored in.
 template <Kind kind, class T>
 constexpr Kind kindAs()
 {
-    if constexpr (kind == Kind::boolean)
-        static_assert(std::is_same_v<T, miBoolean>, "a boolean is stored as miBoolean");
-    else if constexpr (kind == Kind::integer)
-        static_assert(std::is_same_v<T, miInteger>, "an integer is stored as miInteger");
-    else if constexpr (componentCount(kind) == 0)
-        static_assert(std::is_same_v<T, miTag>, "a handle is stored as miTag");
-    else
-        static_assert(kindOf<T>() == kind, "the type stands for another kind");
+    static_assert(isStoredAs<T>(kind), "values of this kind are stored in another type");
     return kind;
 }
 

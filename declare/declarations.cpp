@@ -50,6 +50,16 @@ static std::string parameter(const VHL::Field& field, bool last)
            '\n';
 }
 
+/// The result's type: a word, or a structure with its members.
+static std::string result(const VHL::Description& shader)
+{
+    std::string text(typeName(shader.result));
+    for (const VHL::Field& member : shader.members)
+        text += std::string(&member == &shader.members.front() ? " { " : ", ") +
+                std::string(typeName(member.kind)) + " \"" + member.name.text.data() + '"';
+    return shader.members.empty() ? text : text + " }";
+}
+
 std::string declarations(std::span<const VHL::Description> shaders)
 {
     std::string text = header;
@@ -57,8 +67,8 @@ std::string declarations(std::span<const VHL::Description> shaders)
     for (const VHL::Description& shader : shaders) {
         if (shader.unit != unit)
             text += "\n# ---- " + std::string(unit = shader.unit) + " ----\n";
-        text += "\n# " + std::string(shader.about.text) + "\ndeclare shader\n    " +
-                std::string(typeName(shader.result)) + " \"" + std::string(shader.name) + "\" (\n";
+        text += "\n# " + std::string(shader.about.text) + "\ndeclare shader\n    " + result(shader) + " \"" +
+                std::string(shader.name) + "\" (\n";
         for (const VHL::Field& field : shader.fields)
             text += parameter(field, &field == &shader.fields.back());
         const std::string_view apply =

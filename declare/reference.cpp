@@ -33,8 +33,13 @@ std::string referencePage(std::span<const VHL::Description> shaders)
     for (const VHL::Description& shader : shaders) {
         text += "\n## " + std::string(shader.name) + "\n\n" + std::string(shader.about.text) +
                 "\n\nResult: " + std::string(typeName(shader.result)) + ". Version " +
-                std::to_string(shader.version) +
-                ".\n\n| parameter | type | default | range | |\n|---|---|---|---|---|\n";
+                std::to_string(shader.version) + ".\n";
+        if (!shader.members.empty())
+            text += "\n| member | type | |\n|---|---|---|\n";
+        for (const VHL::Field& member : shader.members)
+            text += std::string("| `") + member.name.text.data() + "` | " +
+                    std::string(typeName(member.kind)) + " | " + cell(member.about) + " |\n";
+        text += "\n| parameter | type | default | range | |\n|---|---|---|---|---|\n";
         for (const VHL::Field& field : shader.fields) {
             const std::string standard = defaultText(field);
             text += std::string("| `") + field.name.text.data() + "` | " +

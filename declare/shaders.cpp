@@ -42,10 +42,11 @@ std::vector<std::string> faults(std::span<const VHL::Description> shaders)
             found.push_back(name + ": exported twice");
         if (!isOneLine(shader.about.text))
             found.push_back(name + ": needs a description of one line of ASCII");
-        for (const VHL::Field& field : shader.fields)
-            if (!isOneLine(field.about))
-                found.push_back(name + ": its parameter \"" + field.name.text.data() +
-                                "\" needs a description of one line of ASCII");
+        for (const std::span<const VHL::Field> list : {shader.members, shader.fields})
+            for (const VHL::Field& field : list)
+                if (!isOneLine(field.about))
+                    found.push_back(name + ": its parameter \"" + field.name.text.data() +
+                                    "\" needs a description of one line of ASCII");
     }
     return found;
 }
@@ -82,6 +83,8 @@ std::string_view typeName(VHL::Kind kind)
         return "geometry";
     case shader:
         return "shader";
+    case structure:
+        return "struct";
     }
     return "";
 }

@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "bare_renderer.h"
 
+#include <geoshader.h>
+
 #include <cstdarg>
+#include <cstdio>
 #include <cstdlib>
 #include <map>
 
@@ -56,6 +59,52 @@ void mi_mem_int_release(const char* const file, const int line, void* block)
         std::abort(); // never taken, or given back twice
     renderer.released.push_back({file, line, taken.mapped().size});
     std::free(block);
+}
+
+void* mi_db_access(miTag tag)
+{
+    BareRenderer& renderer = BareRenderer::get();
+    renderer.calls.emplace_back("mi_db_access");
+    ++renderer.pins[tag];
+    return renderer.access(tag);
+}
+
+void mi_db_unpin(miTag tag)
+{
+    BareRenderer& renderer = BareRenderer::get();
+    renderer.calls.emplace_back("mi_db_unpin");
+    --renderer.pins[tag];
+}
+
+const char* mi_api_tag_lookup(miTag tag)
+{
+    BareRenderer& renderer = BareRenderer::get();
+    renderer.calls.emplace_back("mi_api_tag_lookup");
+    return renderer.lookUp(tag);
+}
+
+static void print(const char* function, const char* format, va_list arguments)
+{
+    char text[20'000];
+    std::vsnprintf(text, sizeof text, format, arguments);
+    BareRenderer::get().calls.emplace_back(function);
+    BareRenderer::get().messages.emplace_back(text);
+}
+
+void mi_info(const char* const format, ...)
+{
+    va_list arguments;
+    va_start(arguments, format);
+    print("mi_info", format, arguments);
+    va_end(arguments);
+}
+
+void mi_warning(const char* const format, ...)
+{
+    va_list arguments;
+    va_start(arguments, format);
+    print("mi_warning", format, arguments);
+    va_end(arguments);
 }
 }
 #pragma GCC visibility pop

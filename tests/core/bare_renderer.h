@@ -5,8 +5,10 @@
 
 #include <shader.h>
 
+#include <cstddef>
 #include <cstring>
 #include <functional>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -24,6 +26,16 @@ struct BareRenderer {
     std::vector<Block> released;          ///< every block given back, with the size it was taken with
     void* userSlot = nullptr;             ///< of the one shader instance that runs
     std::function<void*(void*)> evaluate; ///< what a connected parameter leads to
+    std::map<miTag, int> pins;            ///< accesses less unpins
+    std::vector<std::string> messages;    ///< printed, in order
+
+    /// The data behind a tag; zeros when the test says nothing else, which is an empty text too.
+    std::function<void*(miTag)> access = [](miTag) {
+        alignas(16) static std::byte nothing[1024];
+        return static_cast<void*>(nothing);
+    };
+    /// The name of an element; none when the test says nothing else.
+    std::function<const char*(miTag)> lookUp = [](miTag) -> const char* { return nullptr; };
 
     /// The renderer in use. `reset` makes it as new.
     static BareRenderer& get();

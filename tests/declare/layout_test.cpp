@@ -41,6 +41,8 @@ static host::Type typeOf(VHL::Kind kind)
         return host::Type::geometry;
     case shader:
         return host::Type::shader;
+    case structure:
+        return host::Type::structure;
     }
     return host::Type::data;
 }
@@ -72,6 +74,13 @@ TEST_F(CommittedDeclarations, LayBlocksOutAsTheStructuresAre)
         ASSERT_NE(declaration, nullptr);
         EXPECT_EQ(declaration->version, shader.version);
         EXPECT_EQ(declaration->result.type, typeOf(shader.result));
+        ASSERT_EQ(declaration->result.members.size(), shader.members.size());
+        for (std::size_t i = 0; i < shader.members.size(); ++i) {
+            const host::Field& member = declaration->result.members[i];
+            EXPECT_EQ(member.name, std::string_view(shader.members[i].name));
+            EXPECT_EQ(member.type, typeOf(shader.members[i].kind));
+            EXPECT_EQ(member.offset, shader.members[i].offset);
+        }
         ASSERT_EQ(declaration->parameters.size(), shader.fields.size());
         std::size_t end = 0;
         for (std::size_t i = 0; i < shader.fields.size(); ++i) {

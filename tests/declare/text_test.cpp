@@ -31,7 +31,25 @@ static constexpr auto fields = Sample::fields();
 
 static VHL::Description sample(std::string_view name = "sample_v2", std::string_view text = "A sample.")
 {
-    return {name, "unit", 1, 2, VHL::Kind::scalar, fields, {text}};
+    return {name, "unit", 1, 2, VHL::Kind::scalar, {}, fields, {text}};
+}
+
+struct Parts {
+    miScalar left, right;
+
+    static constexpr auto fields()
+    {
+        return std::array{VHL_FIELD(Parts, left, "Left part."), VHL_FIELD(Parts, right, "Right part.")};
+    }
+};
+static constexpr auto parts = Parts::fields();
+
+static VHL::Description sampleOfParts()
+{
+    VHL::Description shader = sample();
+    shader.result = VHL::Kind::structure;
+    shader.members = parts;
+    return shader;
 }
 
 TEST(DeclarationText, NamesTypesDefaultsHintsVersionAndPlace)
@@ -66,6 +84,14 @@ TEST(DeclarationText, PlaceIsTheExportLinesWhenItNamesOne)
     shader.about.apply = "lens, environment";
     EXPECT_NE(declare::declarations(std::array{shader}).find("\n    apply lens, environment\n"),
               std::string::npos);
+}
+
+TEST(DeclarationText, StructureAsResultListsItsMembers)
+{
+    const std::string text = declare::declarations(std::array{sampleOfParts()});
+    EXPECT_NE(text.find("    struct { scalar \"left\", scalar \"right\" } \"sample_v2\" (\n"),
+              std::string::npos)
+        << text;
 }
 
 TEST(DeclarationText, GuardsItselfAgainstDoubleInclusion)
@@ -104,6 +130,15 @@ TEST(ReferenceText, HasARowForEachParameter)
         EXPECT_NE(text.find(row), std::string::npos) << row << text;
 }
 
+TEST(ReferenceText, StructureAsResultHasARowForEachMember)
+{
+    const std::string text = declare::referencePage(std::array{sampleOfParts()});
+    EXPECT_NE(text.find("Result: struct. Version 2.\n\n| member | type | |\n|---|---|---|\n"
+                        "| `left` | scalar | Left part. |\n| `right` | scalar | Right part. |\n"),
+              std::string::npos)
+        << text;
+}
+
 TEST(ReferenceText, IndexLinksToTheUnitsPage)
 {
     EXPECT_NE(declare::referenceIndex(std::array{sample()})
@@ -119,6 +154,11 @@ TEST(Faults, MissingLongAndForeignTextsAreTold)
                                    "Gr\xc3\xb6\xc3\x9f"
                                    "e."})
         EXPECT_EQ(declare::faults(std::array{sample("a_v2", text)}).size(), 1u) << text;
+    auto undescribedParts = parts;
+    undescribedParts[0].about = "";
+    VHL::Description ofParts = sampleOfParts();
+    ofParts.members = undescribedParts;
+    EXPECT_EQ(declare::faults(std::array{ofParts}).size(), 1u);
     auto undescribed = fields;
     undescribed[1].about = "";
     VHL::Description shader = sample();

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// Which shaders behind an arithmetic shader's parameters run, and in which order.
+// Which shaders behind a shader's parameters run, and in which order.
 #include "components.h"
 #include "evaluation_order.h"
 #include "tests/harness/call.h"
@@ -34,6 +34,7 @@ std::string evaluated(test::Call& call)
     return call.trace();
 }
 
+// Beyond six flags a table names the combinations that differ, and its family's test goes through the rest.
 TEST(EvaluationOrder, TableHasEveryCombinationOfFlags)
 {
     for (const auto& [shader, orders] : evaluationOrders()) {
@@ -41,7 +42,10 @@ TEST(EvaluationOrder, TableHasEveryCombinationOfFlags)
         std::set<std::set<std::string>> combinations;
         for (const Order& order : orders)
             combinations.insert({order.on.begin(), order.on.end()});
-        EXPECT_EQ(combinations.size(), std::size_t{1} << flagsOf(test::Call(shader)).size());
+        const std::size_t flags = flagsOf(test::Call(shader)).size();
+        if (flags <= 6) {
+            EXPECT_EQ(combinations.size(), std::size_t{1} << flags);
+        }
         EXPECT_EQ(combinations.size(), orders.size());
     }
 }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// How the arithmetic shaders read their parameters, seen from the renderer's side of mi_phen_eval. A renderer
+// How shaders read their parameters, seen from the renderer's side of mi_phen_eval. A renderer
 // may remember results and so hide a second read; here nothing is remembered.
 #include "declare/shaders.h"
 #include "entry_points.h"

@@ -30,7 +30,9 @@ void setParameters(Call& call)
             call.set(parameter.name, miVector{number(), number(), number()});
         else if (parameter.type == host::Type::color)
             call.set(parameter.name, miColor{number(), number(), number(), number()});
-        else
+        else if (parameter.type == host::Type::integer)
+            call.set(parameter.name, static_cast<int>(100 * number()));
+        else if (parameter.type == host::Type::boolean)
             call.set(parameter.name, false);
     }
 }
