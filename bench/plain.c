@@ -1,7 +1,7 @@
 /* SPDX-License-Identifier: BSD-3-Clause
  *
  * What a C programmer would write for the shaders that are measured: the same parameter reads, the same arithmetic
- * and the one user-slot query of the frame, without objects. The yardstick of `frame`.
+ * and the one user-slot query of the frame, without objects. The yardstick of the benchmarks.
  */
 #include <shader.h>
 
@@ -19,6 +19,17 @@ struct colors {
     miBoolean useAlpha2;
     miScalar alpha2;
     miScalar weight;
+};
+
+struct slot {
+    miColor input;
+    miScalar weight;
+    miBoolean enable;
+};
+struct slots { struct slot slot[16]; };
+struct choice {
+    miBoolean condition;
+    miColor ifTrue, ifFalse;
 };
 
 static const miScalar* scalar(miState* state, miScalar* field) { return (const miScalar*)mi_eval(state, field); }
@@ -92,6 +103,36 @@ EXPORT miBoolean plainNormalizeVector(miVector* result, miState* state, struct v
         result->y *= scale;
         result->z *= scale;
     }
+    return done;
+}
+
+EXPORT miBoolean plainMixerColor16(miColor* result, miState* state, struct slots* p)
+{
+    const miBoolean done = initialised(state);
+    miColor sum = {0, 0, 0, 0};
+    int i;
+    for (i = 0; i < 16; ++i) {
+        struct slot* const slot = &p->slot[i];
+        if (*(const miBoolean*)mi_eval(state, &slot->enable)) {
+            const miColor input = *(const miColor*)mi_eval(state, &slot->input);
+            const miScalar weight = *scalar(state, &slot->weight);
+            sum.r += input.r * weight;
+            sum.g += input.g * weight;
+            sum.b += input.b * weight;
+            sum.a += input.a * weight;
+        }
+    }
+    *result = sum;
+    return done;
+}
+
+EXPORT miBoolean plainIfThenElseColor(miColor* result, miState* state, struct choice* p)
+{
+    const miBoolean done = initialised(state);
+    if (*(const miBoolean*)mi_eval(state, &p->condition))
+        *result = *(const miColor*)mi_eval(state, &p->ifTrue);
+    else
+        *result = *(const miColor*)mi_eval(state, &p->ifFalse);
     return done;
 }
 

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Mixers: the weighted sum of 2, 4, 8 or 16 slots, each with a switch of its own.
 
+#include "core/evaluate.h"
 #include "core/export.h"
-#include "shaders/components.h"
 
 #include <array>
-#include <functional>
+#include <span>
 
 namespace {
 
@@ -36,19 +36,19 @@ struct Slots {
 };
 
 /// Product first, then sum, slot by slot in single precision, which fixes the rounding. There is deliberately
-/// no division by the sum of the weights: scenes that want an average give weights that sum to 1.
-template <class T, std::size_t count>
-int mix(T* result, miState* state, Slots<T, count>& params)
+/// no division by the sum of the weights: scenes that want an average give weights that sum to 1. One loop
+/// for all counts, which is also what lets the compiler sum a colour's channels together.
+template <class T>
+int mix(T* result, miState* state, std::span<Slot<T>> slots)
 {
     VHL::Value<T> sum = 0.0f;
-    for (Slot<T>& slot : params.slot) {
+    for (Slot<T>& slot : slots) {
         const bool enable = VHL::evaluate(state, slot.enable);
         if (!enable)
             continue;
         const VHL::Value<T> input = VHL::evaluate(state, slot.input);
         const float weight = VHL::evaluate(state, slot.weight);
-        sum = VHL::perComponent([weight](float total, float value) { return total + value * weight; }, sum,
-                                input);
+        sum = sum + input * VHL::Value<T>(weight);
     }
     *result = sum;
     return 1;
@@ -62,7 +62,7 @@ int mix(T* result, miState* state, Slots<T, count>& params)
     struct vhMixer##Name##count final : VHL::dMentalRayShader<T, _vhMixer##Name##count##Params, 1> {         \
         int execute(T* result, miState* state, Params* params) override                                      \
         {                                                                                                    \
-            return mix(result, state, *params);                                                              \
+            return mix<T>(result, state, params->slot);                                                      \
         }                                                                                                    \
     };                                                                                                       \
     VHL_EXPORT_SHADER(vhMixer##Name##count##_v1, vhMixer##Name##count,                                       \
