@@ -169,7 +169,11 @@ private:
         const Elements* const elements = std::get_if<Elements>(&value.form);
         if (!elements)
             failForm(value, "a list in brackets");
-        const std::size_t payload = makeArray(field, at, elements->values.size(), value.where);
+        // Shaders evaluate the slot to learn where the elements lie; an element connected there would run
+        // then.
+        const bool inSlot =
+            elements->values.size() == 1 && !std::holds_alternative<Connect>(elements->values[0].form);
+        const std::size_t payload = makeArray(field, at, elements->values.size(), inSlot, value.where);
         for (std::size_t k = 0; k < elements->values.size(); ++k) {
             path_.push_back({&field, k});
             setValue(field, payload + k * field.elementSize, elements->values[k]);
@@ -177,13 +181,14 @@ private:
         }
     }
 
-    // Writes i and n, makes room for the elements and returns where they begin: one element sits in the slot,
-    // more of them behind everything else, a multiple of their size away from the slot.
-    std::size_t makeArray(const Field& field, std::size_t at, std::size_t count, const Location& where)
+    // Writes i and n, makes room for the elements and returns where they begin: one element may sit in the
+    // slot, others lie behind everything else, a multiple of their size away from the slot.
+    std::size_t makeArray(const Field& field, std::size_t at, std::size_t count, bool inSlot,
+                          const Location& where)
     {
         const std::size_t slot = at + field.slot();
         std::size_t first = 0;
-        if (count > 1) {
+        if (count > 0 && !inSlot) {
             first = (block_.bytes.size() - slot + field.elementSize - 1) / field.elementSize;
             const std::size_t begin = slot + first * field.elementSize;
             if (begin > maximumBlockSize || count > (maximumBlockSize - begin) / field.elementSize)
@@ -393,7 +398,7 @@ private:
         std::memcpy(&count, old_ + from + 4, sizeof count);
         const std::size_t source = from + field.slot() + static_cast<std::size_t>(first) * field.elementSize;
         const std::size_t elements = static_cast<std::size_t>(count);
-        const std::size_t payload = makeArray(field, to, elements, Location());
+        const std::size_t payload = makeArray(field, to, elements, first == 0, Location());
         for (std::size_t k = 0; k < elements; ++k)
             copyValue(field, source + k * field.elementSize, payload + k * field.elementSize);
     }

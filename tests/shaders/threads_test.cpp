@@ -17,9 +17,9 @@ using test::Call;
 constexpr int threadCount = 8;
 constexpr int runs = 1000;
 
-/// Different numbers for all components of all parameters, positive and negative; flags off, so that all
-/// alphas are read.
-void setParameters(Call& call)
+/// Different numbers for all components of all parameters, positive and negative, and all flags alike: off
+/// has all alphas read, on what switches guard.
+void setParameters(Call& call, bool flags)
 {
     float next = 0.3f;
     const auto number = [&next] { return next = -1.3f * next + 0.2f; };
@@ -33,7 +33,7 @@ void setParameters(Call& call)
         else if (parameter.type == host::Type::integer)
             call.set(parameter.name, static_cast<int>(100 * number()));
         else if (parameter.type == host::Type::boolean)
-            call.set(parameter.name, false);
+            call.set(parameter.name, flags);
     }
 }
 
@@ -59,9 +59,11 @@ TEST(Threads, GiveWhatOneGivesWithLiteralParameters)
 {
     for (const Orders& orders : evaluationOrders()) {
         SCOPED_TRACE(orders.shader);
-        Call call(orders.shader);
-        setParameters(call);
-        expectSameResults(call);
+        for (const bool flags : {false, true}) {
+            Call call(orders.shader);
+            setParameters(call, flags);
+            expectSameResults(call);
+        }
     }
 }
 
@@ -69,10 +71,12 @@ TEST(Threads, GiveWhatOneGivesWithConnectedParameters)
 {
     for (const Orders& orders : evaluationOrders()) {
         SCOPED_TRACE(orders.shader);
-        Call call(orders.shader);
-        setParameters(call);
-        call.connectAll();
-        expectSameResults(call);
+        for (const bool flags : {false, true}) {
+            Call call(orders.shader);
+            setParameters(call, flags);
+            call.connectAll();
+            expectSameResults(call);
+        }
     }
 }
 

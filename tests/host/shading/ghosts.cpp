@@ -76,11 +76,13 @@ TEST_F(GhostTest, ArraysHaveAGhostForEachElementButNoneForStartAndCount)
     EXPECT_EQ(stage.runAlone<miScalar>(f), 1 + 3 + 5);
 }
 
-TEST_F(GhostTest, ASingleArrayElementInItsSlotCanBeConnected)
+// Shaders that evaluate the slot itself, to find the elements, must not run what is connected to the first.
+TEST_F(GhostTest, ASingleArrayElementThatIsConnectedLeavesTheSlotWithoutAGhost)
 {
-    EXPECT_EQ(
-        stage.runAlone<miScalar>(stage.make("", "t_sum", {argument("values", list(connection("three")))})),
-        3);
+    host::Function& f = stage.make("", "t_sum", {argument("values", list(connection("three")))});
+    EXPECT_EQ(ghost(f, 8), 0u);
+    EXPECT_NE(ghost(f, 12), 0u);
+    EXPECT_EQ(stage.runAlone<miScalar>(f), 3);
 }
 
 // The record with its area may lie anywhere: these are made by hand around an instance's connections.
