@@ -95,6 +95,36 @@ TEST(Reads, ValuesOutliveTheNextEvaluation)
     }
 }
 
+// The shader behind a parameter may take long: what it is read from is not held in memory meanwhile.
+TEST(Reads, APatternIsPinnedAfterAllEvaluationsAndNoLonger)
+{
+    const Library library;
+    BareRenderer& renderer = BareRenderer::get();
+    for (const char* const name : {"vhReorderColor_v1", "vhReorderVector_v1"}) {
+        SCOPED_TRACE(name);
+        const EntryPoints shader(library, name);
+        renderer.reset();
+        Block<AnyParams> block;
+        for (const VHL::Field& field : description(name).fields)
+            block.connect(block.params.bytes[field.offset]);
+        std::array<miTag, 4> connected = {7, 8, 9, 10};
+        renderer.evaluate = [&connected](void*) { return static_cast<void*>(&connected); };
+        char pattern[] = "10";
+        renderer.access = [&pattern](miTag tag) { return tag == 7 ? static_cast<void*>(pattern) : nullptr; };
+        miBoolean request = miFALSE;
+        shader.init(&block.state, &block.params, &request);
+        renderer.calls.clear();
+        std::array<float, 4> result{};
+        shader.execute(&result, &block.state, &block.params);
+        EXPECT_EQ(renderer.calls, (std::vector<std::string>{"mi_query", "mi_phen_eval", "mi_phen_eval",
+                                                            "mi_db_access", "mi_db_unpin"}));
+        EXPECT_EQ(renderer.pins, (std::map<miTag, int>{{7, 0}}));
+        EXPECT_EQ(result[0], 1);
+        EXPECT_EQ(result[1], 0);
+        shader.exit(&block.state, &block.params);
+    }
+}
+
 // The rule that tells a connected parameter from a literal one, as it came out in the built library.
 class GhostRule : public testing::Test {
 protected:
