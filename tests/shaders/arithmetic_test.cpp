@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Every arithmetic shader against its rule, restated in the plainest form, over all that a float can be.
+#include "arithmetic_orders.h"
 #include "components.h"
-#include "evaluation_order.h"
 #include "tests/harness/call.h"
 
 #include <gtest/gtest.h>
@@ -267,7 +267,7 @@ TEST(ArithmeticRules, AreThereForEveryShader)
     std::multiset<std::string> ruled, ordered;
     for (const Rule& rule : rules())
         ruled.insert(rule.shader);
-    for (const Orders& orders : evaluationOrders())
+    for (const Orders& orders : arithmeticOrders())
         ordered.insert(orders.shader);
     EXPECT_EQ(ruled, ordered);
 }
