@@ -10,6 +10,7 @@
 #include "conversion_orders.h"
 #include "mixer_orders.h"
 #include "range_orders.h"
+#include "state_orders.h"
 
 inline const std::vector<Orders>& evaluationOrders()
 {
@@ -17,7 +18,7 @@ inline const std::vector<Orders>& evaluationOrders()
         std::vector<Orders> made;
         for (const std::vector<Orders>& family :
              {arithmeticOrders(), booleanOrders(), channelOrders(), comparisonOrders(), conditionalOrders(),
-              conversionOrders(), mixerOrders(), rangeOrders()})
+              conversionOrders(), mixerOrders(), rangeOrders(), stateOrders()})
             made.insert(made.end(), family.begin(), family.end());
         return made;
     }();
