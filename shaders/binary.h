@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// Shaders with two operands: add, sub, subA, mult, div, mod, min, max and mix.
+// Shaders with two operands: add, sub, subA, mult, div, mod, min, max, mix and the relations of comparison.
 #pragma once
 
 #include "core/export.h"

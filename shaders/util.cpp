@@ -1,16 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // The length of a vector, and the vector brought to length 1.
 
+#include "shaders/length.h"
 #include "shaders/unary.h"
-
-#include <cmath>
-
-/// The squares are summed in single precision, x first; only the root is taken in double.
-static float length(const VHL::dVector& v)
-{
-    const float sum = v.x() * v.x() + v.y() * v.y() + v.z() * v.z();
-    return static_cast<float>(std::sqrt(static_cast<double>(sum)));
-}
 
 struct _vhVectorNormParams : VHL::Single<miVector> {};
 struct _vhNormalizeVectorParams : VHL::Single<miVector> {};
@@ -19,7 +11,7 @@ struct vhVectorNorm final : VHL::dMentalRayShader<miScalar, _vhVectorNormParams,
     int execute(miScalar* result, miState* state, Params* params) override
     {
         const VHL::dVector v = VHL::evaluate(state, params->input);
-        *result = length(v);
+        *result = VHL::length(v);
         return 1;
     }
 };
@@ -28,7 +20,7 @@ struct vhNormalizeVector final : VHL::dMentalRayShader<miVector, _vhNormalizeVec
     int execute(miVector* result, miState* state, Params* params) override
     {
         const VHL::dVector v = VHL::evaluate(state, params->input);
-        const float norm = length(v);
+        const float norm = VHL::length(v);
         *result = norm != 0.0f ? v * (1.0f / norm) : v;
         return 1;
     }

@@ -32,10 +32,20 @@ void Context::refuseKind(const Name& name, const Element& element, std::string_v
 miTag Context::add(std::unique_ptr<Element> element)
 {
     if (!element->name.empty())
-        if (const Element* const earlier = session.database.find(session.database.lookup(element->name)))
-            warn(element->where,
-                 inQuotes(element->name) + " is defined again, it was defined at " + earlier->where.text());
+        warnIfTaken(element->name, element->where);
     return session.database.add(std::move(element));
+}
+
+void Context::alias(const Name& name, miTag tag)
+{
+    warnIfTaken(name.text, name.where);
+    session.database.alias(name.text, tag);
+}
+
+void Context::warnIfTaken(const std::string& name, const Location& where) const
+{
+    if (const Element* const earlier = session.database.find(session.database.lookup(name)))
+        warn(where, inQuotes(name) + " is defined again, it was defined at " + earlier->where.text());
 }
 
 void Context::warn(const Location& where, const std::string& text)

@@ -44,6 +44,9 @@ public:
     /// Puts a finished element into the database; a name that is taken already is one warning.
     miTag add(std::unique_ptr<Element> element);
 
+    /// Another name for an element, with the same warning.
+    void alias(const Name& name, miTag tag);
+
     /// What statement is being read, for "expected ..." when very much could follow.
     std::string_view expectation = "a command";
 
@@ -55,6 +58,8 @@ public:
     [[noreturn]] static void refuseKind(const Name& name, const Element& element, std::string_view wanted);
 
 private:
+    void warnIfTaken(const std::string& name, const Location& where) const;
+
     bool incremental_ = false;
     std::set<std::string> ignored_;
 };

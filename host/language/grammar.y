@@ -115,7 +115,7 @@ static void append(std::vector<Number>& numbers, const miVector& v)
 %type <FlagMode> mode
 %type <std::vector<Name>> names name_list
 %type <Type> type simple_type
-%type <Field> field result
+%type <Field> field result shader_result
 %type <std::vector<Field>> fields field_list
 %type <std::vector<double>> default
 %type <std::string> apply_kind
@@ -254,7 +254,7 @@ unsupported_command:
 /* ---- declarations ------------------------------------------------------------------------------------------- */
 
 declaration:
-    DECLARE SHADER result name OPEN_PARENTHESIS fields CLOSE_PARENTHESIS
+    DECLARE SHADER shader_result name OPEN_PARENTHESIS fields CLOSE_PARENTHESIS
                                         { scene.declaration.begin($3, $4, $6); }
     traits END DECLARE                  { scene.declaration.end(); }
 |   DECLARE result name OPEN_PARENTHESIS fields CLOSE_PARENTHESIS
@@ -266,6 +266,11 @@ declaration:
 opt_end_declare:
     %empty
 |   END DECLARE
+;
+
+shader_result:
+    result                              { $$ = $1; }
+|   SHADER                              { $$.type = Type::shader; $$.where = @1; }
 ;
 
 result:

@@ -50,10 +50,13 @@ void Shaders::define(const Name& name, std::vector<ShaderUse> uses)
         create(head);
         return;
     }
+    ShaderList shaders = make(std::move(uses));
+    if (shaders.size() == 1) // may be connected, which a list may not
+        return context_.alias(name, shaders.front());
     auto list = std::make_unique<NamedList>();
     list->name = name.text;
     list->where = name.where;
-    list->shaders = make(std::move(uses));
+    list->shaders = std::move(shaders);
     context_.add(std::move(list));
 }
 

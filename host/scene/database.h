@@ -37,7 +37,10 @@ public:
         return result;
     }
 
-    /// Destroys the element. Its tag is never given again.
+    /// Makes another name point to an element.
+    void alias(const std::string& name, miTag tag) { names_[name] = tag; }
+
+    /// Destroys the element, which aliases must not outlive. Its tag is never given again.
     void remove(miTag tag);
 
     /// The tag behind a name, 0 when there is none.

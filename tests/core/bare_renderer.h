@@ -49,6 +49,7 @@ struct Block {
     {
         std::memset(static_cast<void*>(this), 0, sizeof *this);
         state.shader = &function;
+        state.camera = &camera;
         function.ghost_offs =
             static_cast<int>(reinterpret_cast<char*>(&ghosts) - reinterpret_cast<char*>(&params));
     }
@@ -67,5 +68,6 @@ struct Block {
     miFunction function;
     Params params;
     Params ghosts;
+    miCamera camera;
     miState state;
 };

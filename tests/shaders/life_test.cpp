@@ -110,6 +110,10 @@ TEST(ShaderLife, ShadersAreTheirUnitsAndEachHasAPlaceOfItsOwn)
     EXPECT_EQ(unitOf("vhSubAColor_v1"), "subA");
     EXPECT_EQ(unitOf("vhCeilScalar_v1"), "ceiling");
     EXPECT_EQ(unitOf("vhConstVector_v1"), "null");
+    EXPECT_EQ(unitOf("vhClampScalar_v1"), "clamp");
+    EXPECT_EQ(unitOf("vhClampVector_v2"), "clampChannel");
+    EXPECT_EQ(unitOf("vhClampColor_v3"), "clampChannel");
+    EXPECT_EQ(unitOf("vhInRasterPositionRange_v1"), "comparison");
     EXPECT_EQ(unitOf("vhVectorNorm_v1"), "util");
     EXPECT_EQ(unitOf("vhNormalizeVector_v1"), "util");
 }

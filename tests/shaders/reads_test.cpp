@@ -52,7 +52,7 @@ TEST(Reads, EachConnectedParameterIsEvaluatedOnce)
             shader.exit(&block.state, &block.params);
             EXPECT_EQ(evaluated, order.parameters);
             EXPECT_EQ(std::ranges::count(renderer.calls, "mi_phen_eval"),
-                      std::ranges::count(order.parameters, ' ') + 1)
+                      order.parameters.empty() ? 0 : std::ranges::count(order.parameters, ' ') + 1)
                 << "nothing else is evaluated";
         }
     }
@@ -92,6 +92,36 @@ TEST(Reads, ValuesOutliveTheNextEvaluation)
         const std::array<float, 4> first = {4, 40, 400, 4000}; // the second is twice that
         for (int i = 0; i < VHL::componentCount(about.result); ++i)
             EXPECT_EQ(result[i], -first[i]) << i;
+    }
+}
+
+// The shader behind a parameter may take long: what it is read from is not held in memory meanwhile.
+TEST(Reads, APatternIsPinnedAfterAllEvaluationsAndNoLonger)
+{
+    const Library library;
+    BareRenderer& renderer = BareRenderer::get();
+    for (const char* const name : {"vhReorderColor_v1", "vhReorderVector_v1"}) {
+        SCOPED_TRACE(name);
+        const EntryPoints shader(library, name);
+        renderer.reset();
+        Block<AnyParams> block;
+        for (const VHL::Field& field : description(name).fields)
+            block.connect(block.params.bytes[field.offset]);
+        std::array<miTag, 4> connected = {7, 8, 9, 10};
+        renderer.evaluate = [&connected](void*) { return static_cast<void*>(&connected); };
+        char pattern[] = "10";
+        renderer.access = [&pattern](miTag tag) { return tag == 7 ? static_cast<void*>(pattern) : nullptr; };
+        miBoolean request = miFALSE;
+        shader.init(&block.state, &block.params, &request);
+        renderer.calls.clear();
+        std::array<float, 4> result{};
+        shader.execute(&result, &block.state, &block.params);
+        EXPECT_EQ(renderer.calls, (std::vector<std::string>{"mi_query", "mi_phen_eval", "mi_phen_eval",
+                                                            "mi_db_access", "mi_db_unpin"}));
+        EXPECT_EQ(renderer.pins, (std::map<miTag, int>{{7, 0}}));
+        EXPECT_EQ(result[0], 1);
+        EXPECT_EQ(result[1], 0);
+        shader.exit(&block.state, &block.params);
     }
 }
 

@@ -17,6 +17,12 @@ const host::Declaration& declaration(Scene& scene, const char* name)
 
 } // namespace
 
+TEST(Declare, AShaderMayBeTheResult)
+{
+    Scene scene("declare shader shader \"chooser\" ( ) end declare");
+    EXPECT_EQ(declaration(scene, "chooser").result.type, Type::shader);
+}
+
 TEST(Declare, EveryType)
 {
     Scene scene(

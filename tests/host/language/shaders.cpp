@@ -160,6 +160,18 @@ TEST(Shader, ANameMayStandForAList)
     EXPECT_EQ(scene.get<host::Material>("o").shader, (host::ShaderList{tag("new")}));
 }
 
+TEST(Shader, AnotherNameForOneMayBeConnected)
+{
+    Scene scene(declared + "shader \"other\" = \"leaf1\" shader \"x\" \"all\" ( \"c\" = \"other\" )");
+    const miTag leaf = scene.session.database.lookup("leaf1");
+    EXPECT_EQ(scene.session.database.lookup("other"), leaf);
+    ASSERT_EQ(scene.get<host::Function>("x").connections().size(), 1u);
+    EXPECT_EQ(scene.get<host::Function>("x").connections()[0].sourceTag, leaf);
+    EXPECT_EQ(scene.messages.lines().size(), 0u);
+    scene.read("shader \"other\" = \"x\"");
+    EXPECT_EQ(scene.messages.lines().size(), 1u) << "the name was taken";
+}
+
 TEST(Shader, AListInPlaceOfAShaderParameterIsRefused)
 {
     Scene scene(declared + "shader \"list\" \"leaf\" ( ) \"leaf\" ( )");

@@ -1,0 +1,82 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Reorder: a pattern says where each component comes from, a letter each.
+
+#include "core/evaluate.h"
+#include "core/export.h"
+
+#include <array>
+#include <string_view>
+
+namespace {
+
+template <class T>
+struct Reordering {
+    T input;
+    miTag order;
+
+    static constexpr auto fields()
+    {
+        using P = Reordering;
+        return std::array{
+            VHL_FIELD(P, input, "Whose components are reordered."),
+            VHL_FIELD_AS(P, string, order,
+                         "A letter for each component in turn: r, g, b, a of a colour or x, y, z of a vector "
+                         "for what it becomes, 0 or 1 for that number. It stays as it is for any other "
+                         "letter, capitals included, and where the text has ended.")};
+    }
+};
+
+/// What one letter of a pattern makes of the component at `place`.
+template <class T>
+float component(const T& input, std::string_view names, int place, char letter)
+{
+    if (letter == '0')
+        return 0.0f;
+    if (letter == '1')
+        return 1.0f;
+    const std::size_t named = names.find(letter);
+    return input[named != names.npos ? static_cast<int>(named) : place];
+}
+
+/// `names` are the components' letters in order. The pattern is pinned only while it is read; a parameter
+/// without a text leaves the input as it is.
+template <class T>
+int reorder(std::string_view names, T* result, miState* state, Reordering<T>& params)
+{
+    const VHL::Value<T> input = VHL::evaluate(state, params.input);
+    const miTag order = VHL::evaluate(state, params.order);
+    VHL::Value<T> value = input;
+    if (order != miNULLTAG) {
+        const char* const letters = static_cast<const char*>(mi_db_access(order));
+        for (int place = 0; place < static_cast<int>(names.size()) && letters[place] != '\0'; ++place)
+            value[place] = component(input, names, place, letters[place]);
+        mi_db_unpin(order);
+    }
+    *result = value;
+    return 1;
+}
+
+} // namespace
+
+struct _vhReorderColorParams : Reordering<miColor> {};
+struct _vhReorderVectorParams : Reordering<miVector> {};
+
+struct vhReorderColor final : VHL::dMentalRayShader<miColor, _vhReorderColorParams, 1> {
+    int execute(miColor* result, miState* state, Params* params) override
+    {
+        return reorder("rgba", result, state, *params);
+    }
+};
+
+struct vhReorderVector final : VHL::dMentalRayShader<miVector, _vhReorderVectorParams, 1> {
+    int execute(miVector* result, miState* state, Params* params) override
+    {
+        return reorder("xyz", result, state, *params);
+    }
+};
+
+VHL_EXPORT_SHADER(vhReorderColor_v1, vhReorderColor,
+                  "The channels of the input in another order: bgra swaps red and blue, rgb1 makes opaque, "
+                  "aaaa shows alpha.")
+VHL_EXPORT_SHADER(vhReorderVector_v1, vhReorderVector,
+                  "The components of the input in another order: zyx swaps x and z, xy0 projects along z.")
