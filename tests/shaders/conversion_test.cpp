@@ -377,6 +377,7 @@ TEST(ConversionEdges, SumsAreOfSinglePrecisionInTheOrderOfTheComponents)
     EXPECT_EQ(scalar({3e38f, 3e38f, -3e38f, -3e38f}, {1, 1, 1, 1}), infinity);
     EXPECT_EQ(scalar({3e38f, -3e38f, 3e38f, -3e38f}, {1, 1, 1, 1}), 0);
     EXPECT_EQ(reduced<miScalar>("vhVector2Scalar_v1", miVector{1e8f, 1, -1e8f}, miVector{1, 1, 1}), 0);
+    EXPECT_EQ(reduced<miScalar>("vhVector2Scalar_v1", miVector{1e8f, -1e8f, 1}, miVector{1, 1, 1}), 1);
 }
 
 TEST(ConversionEdges, ProductsAreRoundedBeforeTheyAreSummed)
