@@ -16,6 +16,7 @@ struct About {
     std::string_view
         apply{}; ///< where applications offer it, "lens" for example; by the result when left out
     std::optional<Kind> result{}; ///< of a result of one word, which may be a boolean, an integer or a handle
+    std::string_view notes{};     ///< what else users have to know: Markdown, for the reference page alone
 };
 
 /// A shader with everything that a scene has to know of it.

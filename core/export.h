@@ -39,7 +39,12 @@ public:
         Cell* const cell = static_cast<Cell*>(mi_mem_int_allocate(unit, line, sizeof(Cell)));
         *slot = cell;
         cell->shader = new Shader;
-        cell->shader->init(state, params);
+        try {
+            cell->shader->init(state, params);
+        } catch (...) { // what leaves init is the renderer's to tell; it will not call exit for this instance
+            end(cell, unit, line);
+            throw;
+        }
     }
 
     static int execute(Result* result, miState* state, Params* params)
@@ -57,8 +62,7 @@ public:
         }
         Cell* const cell = static_cast<Cell*>(*userSlot(state));
         cell->shader->exit(state, params);
-        delete cell->shader;
-        mi_mem_int_release(unit, line, cell);
+        end(cell, unit, line);
     }
 
 private:
@@ -66,6 +70,12 @@ private:
         Shader* shader;
     };
     static_assert(sizeof(Cell) == 8);
+
+    static void end(Cell* cell, const char* unit, int line)
+    {
+        delete cell->shader;
+        mi_mem_int_release(unit, line, cell);
+    }
 
     static void** userSlot(miState* state)
     {

@@ -48,6 +48,8 @@ std::string referencePage(std::span<const VHL::Description> shaders)
                     (field.kind == VHL::Kind::boolean ? "on, off" : range(field)) + " | " +
                     cell(field.about) + " |\n";
         }
+        if (!shader.about.notes.empty())
+            text += '\n' + std::string(shader.about.notes) + '\n';
     }
     return text;
 }

@@ -27,9 +27,15 @@ std::vector<VHL::Description> shaders()
     return sorted;
 }
 
-static bool isOneLine(std::string_view text)
+static bool isPlain(char c) { return c >= ' ' && c <= '~'; }
+
+static bool isOneLine(std::string_view text) { return !text.empty() && std::ranges::all_of(text, isPlain); }
+
+/// Lines that begin and end with text, or none at all.
+static bool areNotes(std::string_view text)
 {
-    return !text.empty() && std::ranges::all_of(text, [](char c) { return c >= ' ' && c <= '~'; });
+    return text.empty() || (std::ranges::all_of(text, [](char c) { return isPlain(c) || c == '\n'; }) &&
+                            text.front() != '\n' && text.back() != '\n');
 }
 
 std::vector<std::string> faults(std::span<const VHL::Description> shaders)
@@ -42,6 +48,8 @@ std::vector<std::string> faults(std::span<const VHL::Description> shaders)
             found.push_back(name + ": exported twice");
         if (!isOneLine(shader.about.text))
             found.push_back(name + ": needs a description of one line of ASCII");
+        if (!areNotes(shader.about.notes))
+            found.push_back(name + ": its notes have to be lines of ASCII, none of them empty at the ends");
         for (const std::span<const VHL::Field> list : {shader.members, shader.fields})
             for (const VHL::Field& field : list)
                 if (!isOneLine(field.about))

@@ -13,8 +13,8 @@ namespace declare {
 /// All of them, by unit and by their place in it.
 std::vector<VHL::Description> shaders();
 
-/// What is wrong with the descriptions, one line each: a text that is missing, of more than one line or not
-/// plain ASCII, a name given twice.
+/// What is wrong with the descriptions, one line each: a text that is missing, of more than one line where one
+/// is meant or not plain ASCII, a name given twice.
 std::vector<std::string> faults(std::span<const VHL::Description> shaders);
 
 /// How scene text calls a type: "scalar", "color texture".

@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <cstring>
 #include <new>
+#include <stdexcept>
 
 #define VHL_UNIT "sample"
 
@@ -175,4 +176,20 @@ TEST_F(Frame, VirtualOperationsFollowInTheRenderersOrder)
     EXPECT_EQ(history, (std::vector<std::string>{"initStatic 1", "exitStatic 1", "init 1", "exit 1"}));
     miScalar result = 0;
     EXPECT_EQ(reinterpret_cast<Execute>(slots[6])(&object, &result, &block.state, &block.params), 2);
+}
+
+struct Failing final : VHL::dMentalRayShader<miScalar, _sampleParams, 1> {
+    Failing() { history.emplace_back("made"); }
+    ~Failing() override { history.emplace_back("gone"); }
+    void init(miState*, Params*) override { throw std::runtime_error("no"); }
+    int execute(miScalar*, miState*, Params*) override { return 1; }
+};
+
+TEST_F(Frame, AnInstanceWhoseInitThrowsLeavesNothing)
+{
+    EXPECT_THROW(VHL::Entry<Failing>::init(&block.state, &block.params, &request, "unit", 7),
+                 std::runtime_error);
+    EXPECT_EQ(history, (std::vector<std::string>{"made", "gone"}));
+    EXPECT_EQ(renderer.released, (std::vector<BareRenderer::Block>{{"unit", 7, 8}}));
+    EXPECT_EQ(renderer.allocated, renderer.released);
 }

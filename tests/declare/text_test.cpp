@@ -139,6 +139,16 @@ TEST(ReferenceText, StructureAsResultHasARowForEachMember)
         << text;
 }
 
+TEST(ReferenceText, NotesFollowTheParametersAndStandNowhereElse)
+{
+    VHL::Description shader = sample();
+    shader.about.notes = "A note.\n\n- a list";
+    const std::string text = declare::referencePage(std::array{shader, sample("next_v2")});
+    EXPECT_NE(text.find("| Names. |\n\nA note.\n\n- a list\n\n## next_v2\n"), std::string::npos) << text;
+    EXPECT_EQ(declare::declarations(std::array{shader}), declare::declarations(std::array{sample()}));
+    EXPECT_EQ(declare::referenceIndex(std::array{shader}), declare::referenceIndex(std::array{sample()}));
+}
+
 TEST(ReferenceText, IndexLinksToTheUnitsPage)
 {
     EXPECT_NE(declare::referenceIndex(std::array{sample()})
@@ -166,6 +176,19 @@ TEST(Faults, MissingLongAndForeignTextsAreTold)
     EXPECT_EQ(declare::faults(std::array{shader}),
               std::vector<std::string>{
                   "sample_v2: its parameter \"flag\" needs a description of one line of ASCII"});
+}
+
+TEST(Faults, NotesThatAreNotLinesOfAsciiAreTold)
+{
+    for (const char* const notes :
+         {"Tab\there.", "\nBegins with an empty line.", "Ends with one.\n", "\xc3\xb6"}) {
+        VHL::Description shader = sample();
+        shader.about.notes = notes;
+        EXPECT_EQ(declare::faults(std::array{shader}),
+                  std::vector<std::string>{
+                      "sample_v2: its notes have to be lines of ASCII, none of them empty at the ends"})
+            << notes;
+    }
 }
 
 TEST(Faults, NamesGivenTwiceAreTold)

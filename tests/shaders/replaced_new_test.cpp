@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <new>
+#include <stdexcept>
 #include <vector>
 
 struct Count {
@@ -35,7 +36,12 @@ void operator delete(void* block) noexcept { release(block); }
 void operator delete(void* block, std::size_t) noexcept { release(block); }
 
 // A renderer for one instance that never uses operator new itself, so that what is counted is the library's.
+// Every string is the same text, every instance bears the same name or none.
+static const char* patternText = "";
+static const char* instanceName = nullptr;
+static constexpr miTag patternTag = 99;
 extern "C" {
+static miInstance instanceRecord;
 static void* userSlot;
 static void* cell[1];
 
@@ -47,6 +53,14 @@ miBoolean mi_query(const miQ_type, miState* const, miTag, void* const result, ..
 void* mi_phen_eval(miState*, void* parameter) { return parameter; }
 void* mi_mem_int_allocate(const char* const, const int, const int) { return cell; }
 void mi_mem_int_release(const char* const, const int, void*) {}
+void* mi_db_access(miTag tag)
+{
+    return tag == patternTag ? const_cast<char*>(patternText) : static_cast<void*>(&instanceRecord);
+}
+void mi_db_unpin(miTag) {}
+const char* mi_api_tag_lookup(miTag) { return instanceName; }
+void mi_info(const char* const, ...) {}
+void mi_warning(const char* const, ...) {}
 }
 #pragma GCC visibility pop
 
@@ -80,6 +94,60 @@ TEST(ReplacedNew, EveryObjectGoesTheWayItCame)
         const Count end = counted([&] { shader.exit(&state, nullptr); });
         EXPECT_EQ(end.made, end.deleted);
     }
+}
+
+/// The parameters of vhSwitchColor_v4 with one pattern and one value.
+struct OnePattern {
+    miColor defaultColor;
+    int firstPattern, patternCount;
+    miTag pattern;
+    int firstValue, valueCount;
+    miColor value;
+};
+
+TEST(ReplacedNew, APatternSwitchAllocatesForAnInstanceOnceAndLeavesNothing)
+{
+    patternText = "a*very*long*pattern*for*a*string*that*does*not*hold*it*in*place?";
+    instanceName = "such an instance is called a very long name, longer than a string holds in place";
+    const Count all = counted([] {
+        // Loaded and unloaded here: what the library kept in static objects would be missed at the end.
+        const Library library;
+        const EntryPoints shader(library, "vhSwitchColor_v4");
+        miFunction function{};
+        miState state{};
+        state.shader = &function;
+        OnePattern params{{}, 0, 1, patternTag, 0, 1, {}};
+        miColor result{};
+        miBoolean request = miFALSE;
+        shader.init(&state, &params, &request);
+        for (state.instance = 1; state.instance <= 100; ++state.instance) {
+            EXPECT_GT(counted([&] { shader.execute(&result, &state, &params); }).made, 0);
+            EXPECT_EQ(counted([&] { shader.execute(&result, &state, &params); }), (Count{0, 0}));
+        }
+        shader.exit(&state, &params);
+    });
+    EXPECT_GT(all.made, 100);
+    EXPECT_EQ(all.made, all.deleted);
+    patternText = "";
+    instanceName = nullptr;
+}
+
+TEST(ReplacedNew, APatternThatIsRefusedLeavesNothing)
+{
+    patternText = "box[";
+    const Count all = counted([] {
+        const Library library;
+        const EntryPoints shader(library, "vhSwitchColor_v4");
+        miFunction function{};
+        miState state{};
+        state.shader = &function;
+        OnePattern params{{}, 0, 1, patternTag, 0, 1, {}};
+        miBoolean request = miFALSE;
+        EXPECT_THROW(shader.init(&state, &params, &request), std::runtime_error);
+    });
+    EXPECT_GT(all.made, 0);
+    EXPECT_EQ(all.made, all.deleted);
+    patternText = "";
 }
 
 TEST(ReplacedNew, TextFunctionsDeleteWhatTheyMake)

@@ -221,6 +221,49 @@ TEST_F(Program, MissingTexture)
     expectError(render(scene), {"scene.mi:5:", "absent.png"});
 }
 
+TEST_F(Program, AnInitThatThrowsStopsTheRendering)
+{
+    Scene scene;
+    scene.shaders = "shader \"red\" \"vhSwitchColor_v4\" ( \"patterns\" [ \"quad\", \"box[\" ],\n"
+                    "\"values\" [ 1 0 0 1, 0 1 0 1 ] )\n";
+    for (const char* const threads : {"1", "4"})
+        expectError(render(scene, {"-threads", threads, "-resolution", "200", "200"}),
+                    {"fatal: scene.mi:3:14: shader \"red\" (vhSwitchColor_v4): init failed: Character set "
+                     "declaration starting with [ terminated prematurely",
+                     "'box[>>>HERE>>>'"});
+
+    folder.write("out.tif", "the old picture");
+    EXPECT_EQ(render(scene).status, 1);
+    EXPECT_EQ(folder.read("out.tif"), "the old picture");
+}
+
+TEST_F(Program, WhatAnInitThatThrowsFindsInitialisedIsEnded)
+{
+    Scene scene;
+    scene.shaders =
+        "shader \"good\" \"vhSwitchColor_v4\" ( \"patterns\" [ \"quad\" ], \"values\" [ 1 0 0 ] )\n"
+        "shader \"bad\" \"vhSwitchColor_v4\" ( \"patterns\" [ \"(\" ], \"values\" [ 0 1 0 ] )\n"
+        "shader \"outer\" \"vhSwitchColor_v4\" ( \"patterns\" [ \"quad\" ], "
+        "\"values\" [ = \"bad\" ] )\n"
+        "shader \"red\" \"vhAddColor_v2\" ( \"input1\" = \"good\", \"input2\" = \"outer\" )\n";
+    const Outcome outcome = render(scene, {"-verbose", "4", "-threads", "1"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(folder.names(), std::vector<std::string>{"scene.mi"});
+    const auto count = [&outcome](const std::string& text) {
+        int found = 0;
+        for (std::size_t at = 0; (at = outcome.messages.find(text, at)) != std::string::npos; ++at)
+            ++found;
+        return found;
+    };
+    EXPECT_EQ(count("fatal"), 1) << outcome.messages;
+    EXPECT_EQ(count("shader \"bad\" (vhSwitchColor_v4): init failed: Unmatched marking parenthesis"), 1)
+        << outcome.messages;
+    EXPECT_EQ(count("evaluated 1 times, 1 matches"), 1) << "good's; the others never were\n"
+                                                        << outcome.messages;
+    EXPECT_EQ(count("evaluated"), 1) << outcome.messages;
+    EXPECT_LT(outcome.messages.find("evaluated"), outcome.messages.find("fatal"));
+}
+
 TEST_F(Program, AShaderThatWasDeletedIsMissed)
 {
     Scene scene;
