@@ -3,12 +3,13 @@
 #pragma once
 
 #include "arithmetic_orders.h"
+#include "debug_orders.h"
 
 inline const std::vector<Orders>& evaluationOrders()
 {
     static const std::vector<Orders> all = [] {
         std::vector<Orders> made;
-        for (const std::vector<Orders>& family : {arithmeticOrders()})
+        for (const std::vector<Orders>& family : {arithmeticOrders(), debugOrders()})
             made.insert(made.end(), family.begin(), family.end());
         return made;
     }();

@@ -3,6 +3,7 @@
 #include "declare/shaders.h"
 #include "entry_points.h"
 
+#include <geoshader.h>
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -47,6 +48,15 @@ miBoolean mi_query(const miQ_type, miState* const, miTag, void* const result, ..
 void* mi_phen_eval(miState*, void* parameter) { return parameter; }
 void* mi_mem_int_allocate(const char* const, const int, const int) { return cell; }
 void mi_mem_int_release(const char* const, const int, void*) {}
+void* mi_db_access(miTag)
+{
+    alignas(16) static char nothing[1024];
+    return nothing;
+}
+void mi_db_unpin(miTag) {}
+const char* mi_api_tag_lookup(miTag) { return nullptr; }
+void mi_info(const char* const, ...) {}
+void mi_warning(const char* const, ...) {}
 }
 #pragma GCC visibility pop
 

@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Texts that scenes give to shaders.
+#pragma once
+
+#include <shader.h>
+
+#include <string>
+
+namespace VHL {
+
+/// The text of a string parameter: a copy, as a renderer need not keep in place what nobody has pinned. For
+/// init, as it allocates. Empty for the null tag, which is looked up all the same: whether that is a mistake
+/// is the renderer's to say.
+inline std::string textOf(miTag tag)
+{
+    const char* const text = static_cast<const char*>(mi_db_access(tag));
+    std::string copy = tag != miNULLTAG && text ? text : "";
+    mi_db_unpin(tag);
+    return copy;
+}
+
+} // namespace VHL
