@@ -3,6 +3,7 @@
 
 #include "core/evaluate.h"
 #include "core/export.h"
+#include "shaders/string_parameter.h"
 
 #include <array>
 #include <string_view>
@@ -46,12 +47,9 @@ int reorder(std::string_view names, T* result, miState* state, Reordering<T>& pa
     const VHL::Value<T> input = VHL::evaluate(state, params.input);
     const miTag order = VHL::evaluate(state, params.order);
     VHL::Value<T> value = input;
-    if (order != miNULLTAG) {
-        const char* const letters = static_cast<const char*>(mi_db_access(order));
-        for (int place = 0; place < static_cast<int>(names.size()) && letters[place] != '\0'; ++place)
-            value[place] = component(input, names, place, letters[place]);
-        mi_db_unpin(order);
-    }
+    const VHL::PinnedText letters(order);
+    for (int place = 0; place < static_cast<int>(names.size()) && letters.get()[place] != '\0'; ++place)
+        value[place] = component(input, names, place, letters.get()[place]);
     *result = value;
     return 1;
 }

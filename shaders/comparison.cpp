@@ -6,8 +6,8 @@
 #include "shaders/decisions.h"
 #include "shaders/instance_name.h"
 #include "shaders/length.h"
-#include "shaders/pinned_text.h"
 #include "shaders/range.h"
+#include "shaders/string_parameter.h"
 
 #include <boost/algorithm/string/case_conv.hpp>
 

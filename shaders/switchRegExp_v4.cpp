@@ -11,7 +11,7 @@
 #include "core/export.h"
 #include "shaders/decisions.h"
 #include "shaders/instance_name.h"
-#include "shaders/pinned_text.h"
+#include "shaders/string_parameter.h"
 
 #include <boost/algorithm/string/case_conv.hpp>
 #include <boost/algorithm/string/replace.hpp>

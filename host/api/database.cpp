@@ -35,7 +35,8 @@ void complain(Fault fault, const std::string& text)
 
 void* mi_db_access(miTag tag)
 {
-    ++host::running().pins;
+    if (tag != miNULLTAG) // nothing is behind it to be pinned; some shaders give it back, others do not
+        ++host::running().pins;
     host::Database* const all = database();
     if (all && all->find(tag)) {
         if (void* const data = all->pin(tag))
@@ -52,7 +53,8 @@ void* mi_db_access(miTag tag)
 
 void mi_db_unpin(miTag tag)
 {
-    --host::running().pins;
+    if (tag != miNULLTAG)
+        --host::running().pins;
     host::Database* const all = database();
     if (all && all->find(tag) && !all->unpin(tag))
         complain(Fault::badUnpin, "unpinned tag " + std::to_string(tag) + ", which is not pinned");

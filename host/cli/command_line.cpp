@@ -301,6 +301,9 @@ private:
         app_.add_flag("--ignore_version", result_.ignoreVersions,
                       "render although a shader's version is not the declared one")
             ->group(group_);
+        word("--relocate_strings", "on|off",
+             "on: strings move when nobody has them pinned, to find shaders that keep pointers", switchWords,
+             result_.relocateStrings);
         app_.add_flag("--version", wantsVersion, "print the version")->group(group_);
         app_.add_flag("--copyright", wantsCopyright, "print the licence in short")->group(group_);
     }

@@ -24,6 +24,7 @@ struct CommandLine {
     bool render = true;
     std::optional<std::array<int, 3>> frames; ///< first, last, step
     bool ignoreVersions = false;
+    bool relocateStrings = false;
 
     // Camera.
     std::optional<std::array<int, 2>> resolution;

@@ -83,6 +83,7 @@ void run(const host::CommandLine& command)
     session.paths.library = searchPath(command.libraryPath, "MI_LIBRARY_PATH", "lib");
     session.paths.texture = searchPath(command.texturePath, "MI_RAY_TEXTURE_PATH", "textures");
     session.libraries.ignoreVersions(command.ignoreVersions);
+    session.database.relocateStrings(command.relocateStrings);
     if (command.verbosity) {
         host::setVerbosity(*command.verbosity);
         session.keepVerbosity = true;

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "host/scene/database.h"
 
+#include "host/scene/relocated_strings.h"
+
 namespace host {
 
 Database::Database() = default;
@@ -44,15 +46,20 @@ void* Database::pin(miTag tag) noexcept
     Element* const element = find(tag);
     if (!element)
         return nullptr;
+    if (relocated_ && element->kind == miSCENE_STRING)
+        return relocated_->pin(static_cast<const Text&>(*element), entries_[tag - 1].pins);
     entries_[tag - 1].pins.fetch_add(1, std::memory_order_relaxed);
     return element->data();
 }
 
 bool Database::unpin(miTag tag) noexcept
 {
-    if (!find(tag))
+    const Element* const element = find(tag);
+    if (!element)
         return false;
     std::atomic<long>& pins = entries_[tag - 1].pins;
+    if (relocated_ && element->kind == miSCENE_STRING)
+        return relocated_->unpin(tag, pins);
     long before = pins.load(std::memory_order_relaxed);
     while (before > 0)
         if (pins.compare_exchange_weak(before, before - 1, std::memory_order_relaxed))
@@ -64,6 +71,8 @@ long Database::pins(miTag tag) const noexcept
 {
     return find(tag) ? entries_[tag - 1].pins.load(std::memory_order_relaxed) : 0;
 }
+
+void Database::relocateStrings(bool on) { relocated_ = on ? std::make_unique<RelocatedStrings>() : nullptr; }
 
 miTag Database::last() const noexcept { return static_cast<miTag>(entries_.size()); }
 

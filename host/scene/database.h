@@ -13,6 +13,8 @@
 
 namespace host {
 
+class RelocatedStrings;
+
 /// Tags are 32-bit handles, 0 is the null tag. Adding, naming and removing happen in one thread while nothing
 /// renders; everything else is safe from any thread.
 class Database {
@@ -22,8 +24,8 @@ public:
     Database(const Database&) = delete;
     Database& operator=(const Database&) = delete;
 
-    /// Takes the element, gives it a fresh tag and, when its name is not empty, makes the name point to it; an
-    /// element that had the name keeps its tag and is reachable by it only.
+    /// Takes the element, gives it a fresh tag and, when its name is not empty, makes the name point to it;
+    /// an element that had the name keeps its tag and is reachable by it only.
     miTag add(std::unique_ptr<Element> element);
 
     template <class T>
@@ -56,8 +58,9 @@ public:
         return dynamic_cast<T*>(find(tag));
     }
 
-    /// Pins the element and returns its data: the same address for everybody until it is unpinned. Null for an
-    /// unknown tag. Counted: every pin needs one unpin.
+    /// Pins the element and returns its data: the same address for everybody until it is unpinned, and as
+    /// long as the element exists unless strings are relocated. Null for an unknown tag. Counted: every pin
+    /// needs one unpin.
     void* pin(miTag tag) noexcept;
 
     /// False when the element is not pinned or not there.
@@ -65,6 +68,13 @@ public:
 
     /// Pins that have not been given back.
     long pins(miTag tag) const noexcept;
+
+    /// Off at first, as shaders may rely on strings that stay. On: a string goes to another address whenever
+    /// its last pin is given back, and leaves garbage behind (relocated_strings.h). To be switched while
+    /// nothing renders and no string is pinned.
+    ///
+    /// Only strings: shaders hold other records without pins, from their state or from mi_query.
+    void relocateStrings(bool on);
 
     /// Highest tag in use.
     miTag last() const noexcept;
@@ -76,6 +86,7 @@ private:
     };
     std::deque<Entry> entries_; // entry i holds tag i + 1
     std::unordered_map<std::string, miTag> names_;
+    std::unique_ptr<RelocatedStrings> relocated_; // null: strings stay
 };
 
 } // namespace host

@@ -37,6 +37,8 @@ struct World {
         session.declarations.add(declaration(
             "probe_pair", structure("", {field(Type::color, "color"), field(Type::scalar, "scalar")}),
             {field(Type::color, "color"), field(Type::scalar, "scalar"), field(Type::string, "name")}));
+        session.declarations.add(
+            declaration("probe_keeper", field(Type::boolean, ""), {field(Type::string, "text")}));
         trace = reinterpret_cast<const char* (*)()>(session.libraries.symbol("probes_trace"));
         clear = reinterpret_cast<void (*)()>(session.libraries.symbol("probes_clear"));
     }

@@ -167,4 +167,14 @@ private:
     std::unique_ptr<Sample> sample_;
 };
 
+/// While this lives, strings move when their last pin is given back: what a shader reads later through a
+/// pointer that it kept is garbage. Calls that run meanwhile have to be made, and to end, meanwhile.
+class RelocatedStrings {
+public:
+    RelocatedStrings() { Call::session().database.relocateStrings(true); }
+    ~RelocatedStrings() { Call::session().database.relocateStrings(false); }
+    RelocatedStrings(const RelocatedStrings&) = delete;
+    RelocatedStrings& operator=(const RelocatedStrings&) = delete;
+};
+
 } // namespace test

@@ -137,6 +137,32 @@ TEST(Call, ItsStateIsTheOneThatTheShaderSees)
     shader.execute = original;
 }
 
+TEST(Call, AShaderThatKeepsAPointerIsSeenWhereStringsMove)
+{
+    Call keeper("probe_keeper");
+    keeper.set("text", "a string");
+    EXPECT_EQ(keeper.run<miBoolean>(), miTRUE) << "they stay, as the renderer promises";
+    EXPECT_EQ(keeper.run<miBoolean>(), miTRUE);
+    keeper.end();
+    {
+        const RelocatedStrings moving;
+        EXPECT_EQ(keeper.run<miBoolean>(), miFALSE);
+        EXPECT_EQ(keeper.run<miBoolean>(), miFALSE);
+        keeper.end();
+    }
+    EXPECT_EQ(keeper.run<miBoolean>(), miTRUE);
+}
+
+TEST(Call, ParametersStayWhereStringsMove)
+{
+    const RelocatedStrings moving;
+    Call keeper("probe_keeper");
+    keeper.set("text", "a string");
+    const void* const block = keeper.function().parameters();
+    keeper.run<miBoolean>();
+    EXPECT_EQ(keeper.function().parameters(), block);
+}
+
 TEST(Call, MistakesInATestAreTold)
 {
     EXPECT_THROW(Call("vhNothing_v1"), std::logic_error);

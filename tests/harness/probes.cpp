@@ -53,6 +53,35 @@ PROBES_API void probes_clear() { trace.clear(); }
     }                                                                                                        \
     PROBES_API int probe_##type##_version() { return 1; }
 
+/// What a shader must not do: reads a string through the pointer that it had while the string was pinned in
+/// init. Returns whether the text is still the one that the string has.
+struct KeeperParams {
+    miTag text; // string
+};
+
+PROBES_API void probe_keeper_init(miState* state, const KeeperParams* params, miBoolean* request)
+{
+    if (!params) {
+        *request = miTRUE;
+        return;
+    }
+    void** kept = nullptr;
+    mi_query(miQ_FUNC_USERPTR, state, miNULLTAG, &kept);
+    *kept = mi_db_access(params->text);
+    mi_db_unpin(params->text);
+}
+
+PROBES_API miBoolean probe_keeper(miBoolean* result, miState* state, const KeeperParams* params)
+{
+    void** kept = nullptr;
+    mi_query(miQ_FUNC_USERPTR, state, miNULLTAG, &kept);
+    const char* const text = static_cast<const char*>(mi_db_access(params->text));
+    *result = std::strcmp(static_cast<const char*>(*kept), text) == 0;
+    mi_db_unpin(params->text);
+    return miTRUE;
+}
+PROBES_API int probe_keeper_version() { return 1; }
+
 PROBE(boolean, miBoolean)
 PROBE(integer, miInteger)
 PROBE(scalar, miScalar)

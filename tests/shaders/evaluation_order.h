@@ -8,6 +8,7 @@
 #include "comparison_orders.h"
 #include "conditional_orders.h"
 #include "conversion_orders.h"
+#include "debug_orders.h"
 #include "mixer_orders.h"
 #include "range_orders.h"
 #include "state_orders.h"
@@ -18,7 +19,7 @@ inline const std::vector<Orders>& evaluationOrders()
         std::vector<Orders> made;
         for (const std::vector<Orders>& family :
              {arithmeticOrders(), booleanOrders(), channelOrders(), comparisonOrders(), conditionalOrders(),
-              conversionOrders(), mixerOrders(), rangeOrders(), stateOrders()})
+              conversionOrders(), debugOrders(), mixerOrders(), rangeOrders(), stateOrders()})
             made.insert(made.end(), family.begin(), family.end());
         return made;
     }();

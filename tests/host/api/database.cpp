@@ -97,4 +97,14 @@ TEST_F(DatabaseApiTest, WhatIsNotThereIsReportedOnceAndReadsAsZeros)
             "RC   0.0  error: shader \"gone\" (t_peek): accessed tag " + number + ", which is unknown"}));
 }
 
+// Behind the null tag nothing can be pinned: some shaders give it back, others test first.
+TEST_F(DatabaseApiTest, TheNullTagIsNotCountedAmongThePins)
+{
+    const Messages messages(0); // hides that of the access itself
+    mi_db_access(miNULLTAG);
+    EXPECT_EQ(host::running().pins, 0);
+    mi_db_unpin(miNULLTAG);
+    EXPECT_EQ(host::running().pins, 0);
+}
+
 } // namespace

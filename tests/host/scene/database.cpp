@@ -3,6 +3,10 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <cstring>
+#include <set>
+#include <string>
 #include <thread>
 #include <vector>
 
@@ -81,6 +85,107 @@ TEST(Database, ManyThreadsMayPin)
     for (std::thread& thread : threads)
         thread.join();
     EXPECT_EQ(db.pins(tag), 0);
+}
+
+TEST(RelocatedStrings, MoveWhenTheLastPinIsGivenBackAndLeaveGarbage)
+{
+    for (const std::string& content : {std::string("text"), std::string("#1"), std::string(1000, '#')}) {
+        Database db;
+        db.relocateStrings(true);
+        Text& text = db.make<Text>();
+        text.text = content;
+        std::set<const char*> places;
+        for (int round = 0; round < 60; ++round) {
+            const auto* const first = static_cast<const char*>(db.pin(text.tag));
+            EXPECT_EQ(db.pin(text.tag), first) << "pinned already: the same for everybody";
+            EXPECT_TRUE(db.unpin(text.tag));
+            EXPECT_EQ(first, content) << "one pin is left";
+            EXPECT_TRUE(db.unpin(text.tag));
+            EXPECT_EQ(std::strlen(first), content.size());
+            EXPECT_NE(first, content);
+            EXPECT_TRUE(places.insert(first).second) << "a place of its own";
+        }
+        for (const char* const place : places)
+            EXPECT_NE(place, content) << "none of them comes back";
+        EXPECT_FALSE(db.unpin(text.tag));
+        EXPECT_EQ(db.pins(text.tag), 0);
+        EXPECT_EQ(text.text, content);
+    }
+}
+
+TEST(RelocatedStrings, TheEmptyOneStaysEmpty)
+{
+    Database db;
+    db.relocateStrings(true);
+    const miTag tag = db.make<Text>().tag;
+    const auto* const text = static_cast<const char*>(db.pin(tag));
+    EXPECT_STREQ(text, "");
+    db.unpin(tag);
+    EXPECT_STREQ(text, "");
+    EXPECT_NE(db.pin(tag), text);
+}
+
+TEST(RelocatedStrings, ThousandsOfTimesInBoundedMemory)
+{
+    Database db;
+    db.relocateStrings(true);
+    Text& text = db.make<Text>();
+    text.text = "text";
+    std::set<const void*> places;
+    for (int round = 0; round < 10'000; ++round) {
+        ASSERT_STREQ(static_cast<const char*>(*places.insert(db.pin(text.tag)).first), "text");
+        db.unpin(text.tag);
+    }
+    EXPECT_EQ(places.size(), 64u);
+}
+
+TEST(RelocatedStrings, OtherElementsStay)
+{
+    Database db;
+    db.relocateStrings(true);
+    const miTag tag = db.make<Camera>().tag;
+    void* const record = db.pin(tag);
+    db.unpin(tag);
+    EXPECT_EQ(db.pin(tag), record);
+    EXPECT_EQ(static_cast<miCamera*>(record)->focal, 1.0f);
+}
+
+TEST(RelocatedStrings, AreSwitchedOffAgain)
+{
+    Database db;
+    Text& text = db.make<Text>();
+    text.text = "text";
+    db.pin(text.tag);
+    db.relocateStrings(true);
+    EXPECT_TRUE(db.unpin(text.tag)) << "a pin from before";
+    db.pin(text.tag);
+    db.unpin(text.tag);
+    db.relocateStrings(false);
+    const void* const stays = db.pin(text.tag);
+    db.unpin(text.tag);
+    EXPECT_EQ(db.pin(text.tag), stays);
+    EXPECT_STREQ(static_cast<const char*>(stays), "text");
+}
+
+TEST(RelocatedStrings, ManyThreadsMayPin)
+{
+    Database db;
+    db.relocateStrings(true);
+    Text& text = db.make<Text>();
+    text.text = "text";
+    std::atomic<int> right = 0;
+    std::vector<std::thread> threads;
+    for (int t = 0; t < 8; ++t)
+        threads.emplace_back([&] {
+            for (int k = 0; k < 1000; ++k) {
+                right += std::strcmp(static_cast<const char*>(db.pin(text.tag)), "text") == 0;
+                db.unpin(text.tag);
+            }
+        });
+    for (std::thread& thread : threads)
+        thread.join();
+    EXPECT_EQ(right, 8000);
+    EXPECT_EQ(db.pins(text.tag), 0);
 }
 
 TEST(Element, DefaultsAreTheRenderers)

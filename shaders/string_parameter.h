@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// The text of a string parameter.
+// Texts that scenes give to shaders.
 #pragma once
 
 #include <shader.h>
+
+#include <string>
 
 namespace VHL {
 
@@ -28,5 +30,16 @@ private:
     miTag tag_;
     const char* text_;
 };
+
+/// The text of a string parameter: a copy, as a renderer need not keep in place what nobody has pinned. For
+/// init, as it allocates. Empty for the null tag, which is looked up all the same: whether that is a mistake
+/// is the renderer's to say.
+inline std::string textOf(miTag tag)
+{
+    const char* const text = static_cast<const char*>(mi_db_access(tag));
+    std::string copy = tag != miNULLTAG && text ? text : "";
+    mi_db_unpin(tag);
+    return copy;
+}
 
 } // namespace VHL

@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Switch: one of several colours, by the name of the object being shaded.
+
+#include "shaders/switch.h"
+
+struct _vhSwitchColorParams : VHL::NamedValues<miColor> {};
+
+struct vhSwitchColor final : VHL::dMentalRayShader<miColor, _vhSwitchColorParams, 1> {
+    void init(miState* state, Params* params) override { switch_.init(state, *params); }
+    void exit(miState*, Params*) override { switch_.exit(); }
+    int execute(miColor* result, miState* state, Params*) override { return switch_.execute(result, state); }
+
+private:
+    VHL::SwitchByName<miColor> switch_;
+};
+
+VHL_EXPORT_SHADER(
+    vhSwitchColor_v1, vhSwitchColor,
+    "The colour listed under the name of the object instance being shaded, capitals as they are; of "
+    "equal names the last counts. Without a match the result is left as it was. Prints its pairs "
+    "as information before the first sample.")
