@@ -23,7 +23,7 @@ public:
     }
     ~ShadedInstance()
     {
-        if (tag_ != miNULLTAG)
+        if (tag_ != 0)
             mi_db_unpin(tag_);
     }
     ShadedInstance(const ShadedInstance&) = delete;

@@ -13,12 +13,12 @@ namespace VHL {
 class PinnedText {
 public:
     explicit PinnedText(miTag tag)
-        : tag_(tag), text_(tag == miNULLTAG ? "" : static_cast<const char*>(mi_db_access(tag)))
+        : tag_(tag), text_(tag == 0 ? "" : static_cast<const char*>(mi_db_access(tag)))
     {
     }
     ~PinnedText()
     {
-        if (tag_ != miNULLTAG)
+        if (tag_ != 0)
             mi_db_unpin(tag_);
     }
     PinnedText(const PinnedText&) = delete;
@@ -37,7 +37,7 @@ private:
 inline std::string textOf(miTag tag)
 {
     const char* const text = static_cast<const char*>(mi_db_access(tag));
-    std::string copy = tag != miNULLTAG && text ? text : "";
+    std::string copy = tag != 0 && text ? text : "";
     mi_db_unpin(tag);
     return copy;
 }

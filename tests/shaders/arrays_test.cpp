@@ -346,6 +346,28 @@ TEST(Arrays, TheOnlyNameMayComeFromElsewhere)
     arena.exit();
 }
 
+TEST(Arrays, TheOnlyPatternMayComeFromElsewhere)
+{
+    const Library library;
+    for (const auto& [name, expected] : std::map<std::string, Color>{{"ball", red}, {"box", blue}}) {
+        SCOPED_TRACE(name);
+        Arena arena(library, "vhSwitchColor_v4");
+        constexpr int defaultColor = 0, patternArray = 16, valueArray = 28;
+        miTag other = arena.text("ball");
+        arena.at<Color>(defaultColor) = blue;
+        arena.array(patternArray, 0, arena.texts({"box"}));
+        arena.array(valueArray, 0, std::vector{red});
+        arena.connect(patternArray + 8);
+        arena.renderer.evaluate = [&other](void*) { return static_cast<void*>(&other); };
+        arena.shade(name);
+        arena.init();
+        Color result{};
+        arena.execute(result);
+        EXPECT_EQ(result, expected);
+        arena.exit();
+    }
+}
+
 TEST(Arrays, TheShadedInstanceIsPinnedWhileItsNameIsUsed)
 {
     const Library library;

@@ -2,6 +2,7 @@
 // The library in a process with an operator new and delete of its own, which counts.
 #include "declare/shaders.h"
 #include "entry_points.h"
+#include "tests/core/bare_renderer.h"
 
 #include <gtest/gtest.h>
 
@@ -79,10 +80,10 @@ TEST(ReplacedNew, EveryObjectGoesTheWayItCame)
     for (const VHL::Description& description : declare::shaders()) {
         SCOPED_TRACE(description.name);
         const EntryPoints shader(library, description.name);
-        miFunction function{};
-        miState state{};
-        state.shader = &function;
-        AnyParams params{}, result{};
+        Block<AnyParams> block;
+        miState& state = block.state;
+        AnyParams& params = block.params;
+        AnyParams result{};
         miBoolean request = miFALSE;
 
         // A compiler may see that a temporary object without data is never used, and leave it out.

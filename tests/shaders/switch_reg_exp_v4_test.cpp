@@ -404,17 +404,6 @@ TEST_F(PatternSwitch, UnequalArraysAreNotReadInInit)
     EXPECT_EQ(call.trace(), "values[1]");
 }
 
-TEST_F(PatternSwitch, APatternInTheSlotMayBeDriven)
-{
-    set({"ball"});
-    call.connect("patterns");
-    EXPECT_EQ(chosen("ball"), 0);
-    EXPECT_EQ(call.trace(), "patterns[0]") << "in init";
-    EXPECT_EQ(chosen("box"), fallback);
-    EXPECT_EQ(call.trace(), "");
-    EXPECT_EQ(messages.count("pattern 0 : ball"), 1);
-}
-
 // ---- against the rule written out
 
 /// Whether the pattern is found in the name: the translation by hand, the search with Boost as it comes, each

@@ -20,14 +20,20 @@ TEST(Unload, LeavesNothingLoadedAThousandTimes)
 {
     const std::vector<VHL::Description> shaders = declare::shaders();
     BareRenderer& renderer = BareRenderer::get();
-    Block<AnyParams> block;
     ASSERT_FALSE(isLoaded());
     for (std::size_t round = 0; round < 1000; ++round) {
         renderer.reset();
+        Block<AnyParams> block;
         {
             const Library library;
             ASSERT_TRUE(isLoaded());
-            const EntryPoints shader(library, shaders[round % shaders.size()].name);
+            const VHL::Description& description = shaders[round % shaders.size()];
+            const EntryPoints shader(library, description.name);
+            for (const VHL::Field& field : description.fields)
+                if (field.isArray) { // one element: without any, selecting shaders have no result
+                    const int startAndCount[] = {0, 1};
+                    std::memcpy(&block.params.bytes[field.offset], startAndCount, sizeof startAndCount);
+                }
             miBoolean request = miFALSE;
             shader.init(&block.state, nullptr, &request);
             shader.init(&block.state, &block.params, &request);
