@@ -328,8 +328,9 @@ miBoolean traceEnvironment(miColor& result, miState& state, const miVector& dire
 
 void setOpacity(miState& state, const miColor& opacity)
 {
-    if (state.type != miRAY_LIGHT && state.type != miRAY_SHADOW && state.type != miRAY_ENVIRONMENT)
-        RenderThread::of(state).top().opacity = opacity;
+    RenderThread* const thread = RenderThread::find(state);
+    if (thread && state.type != miRAY_LIGHT && state.type != miRAY_SHADOW && state.type != miRAY_ENVIRONMENT)
+        thread->top().opacity = opacity;
 }
 
 } // namespace host

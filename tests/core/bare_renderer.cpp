@@ -83,6 +83,13 @@ const char* mi_api_tag_lookup(miTag tag)
     return renderer.lookUp(tag);
 }
 
+void mi_opacity_set(miState*, miColor const* const opacity)
+{
+    BareRenderer& renderer = BareRenderer::get();
+    renderer.calls.emplace_back("mi_opacity_set");
+    renderer.opacity = *opacity;
+}
+
 static void print(const char* function, const char* format, va_list arguments)
 {
     char text[20'000];

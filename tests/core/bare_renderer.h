@@ -28,6 +28,7 @@ struct BareRenderer {
     std::function<void*(void*)> evaluate; ///< what a connected parameter leads to
     std::map<miTag, int> pins;            ///< accesses less unpins
     std::vector<std::string> messages;    ///< printed, in order
+    miColor opacity{};                    ///< set last
 
     /// The data behind a tag; zeros when the test says nothing else, which is an empty text too.
     std::function<void*(miTag)> access = [](miTag) {

@@ -60,6 +60,7 @@ void* mi_db_access(miTag tag)
 }
 void mi_db_unpin(miTag) {}
 const char* mi_api_tag_lookup(miTag) { return instanceName; }
+void mi_opacity_set(miState*, miColor const* const) {}
 void mi_info(const char* const, ...) {}
 void mi_warning(const char* const, ...) {}
 }
