@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "host/render/thread.h"
 
-#include "host/render/large_stack.h"
+#include "host/system/large_stack.h"
 
 #include <cstddef>
 #include <string>
