@@ -5,10 +5,12 @@
 
 #include <gtest/gtest.h>
 
+#include <cxxabi.h>
 #include <dlfcn.h>
 #include <elf.h>
 
 #include <algorithm>
+#include <cstdlib>
 
 using Names = std::set<std::string>;
 
@@ -42,17 +44,79 @@ static const SharedObject& library()
     return library;
 }
 
-TEST(Object, ExportsTheEntryPointsAndThePublicFunctionsOnly)
+static std::string demangled(const std::string& name)
 {
-    Names expected = {"_ZN3VHL4joinEcSt6vectorIPcSaIS1_EE", "_ZN3VHL5splitEcPc"};
+    int status = 0;
+    char* const text = abi::__cxa_demangle(name.c_str(), nullptr, nullptr, &status);
+    std::string result = status == 0 ? text : name;
+    std::free(text);
+    return result;
+}
+
+/// The functions and classes of namespace VHL that are for other code.
+static const std::vector<std::string> publicFunctions = {"join", "split"};
+static const std::vector<std::string> publicClasses = {
+    "dAngularMapping",      "dBalance",         "dBallMapping", "dClamp",        "dColorTransform",
+    "dColorTransform1",     "dColorTransform4", "dCompress",    "dCubicMapping", "dExpand",
+    "dFisheyeMapping",      "dGamma",           "dInvert",      "dMatteDiv",     "dMatteMult",
+    "dPanoramicConversion", "dReorder",         "dSetAlpha",    "dSetColor",     "dSolarize",
+    "dSphericalMapping",    "dThreshold"};
+
+TEST(Object, ExportsTheEntryPointsAndWhatIsPublicOnly)
+{
+    Names entryPoints;
     for (const VHL::Description& shader : declare::shaders())
         for (const char* const suffix : {"", "_init", "_exit", "_version"})
-            expected.insert(std::string(shader.name) + suffix);
+            entryPoints.insert(std::string(shader.name) + suffix);
+    const auto isPublic = [](const std::string& symbol) {
+        return std::ranges::any_of(
+                   publicFunctions,
+                   [&](const std::string& name) { return symbol.starts_with("VHL::" + name + '('); }) ||
+               std::ranges::any_of(publicClasses, [&](const std::string& name) {
+                   return symbol.starts_with("VHL::" + name + "::") || symbol == "vtable for VHL::" + name ||
+                          symbol == "typeinfo for VHL::" + name || symbol == "typeinfo name for VHL::" + name;
+               });
+    };
     Names exported;
     for (const SharedObject::Symbol& symbol : library().dynamicSymbols())
+        if (symbol.defined) {
+            const std::string name = demangled(symbol.name);
+            EXPECT_TRUE(entryPoints.contains(symbol.name) || isPublic(name)) << name;
+            exported.insert(name);
+        }
+    for (const std::string& name : entryPoints)
+        EXPECT_TRUE(exported.contains(name)) << name;
+}
+
+TEST(Object, ExportsWhatIsPublicWhole)
+{
+    std::vector<std::string> exported;
+    for (const SharedObject::Symbol& symbol : library().dynamicSymbols())
         if (symbol.defined)
-            exported.insert(symbol.name);
-    EXPECT_EQ(exported, expected);
+            exported.push_back(demangled(symbol.name));
+    const auto has = [&](const std::string& start) {
+        return std::ranges::any_of(exported,
+                                   [&](const std::string& name) { return name.starts_with(start); });
+    };
+    for (const std::string& name : publicFunctions)
+        EXPECT_TRUE(has("VHL::" + name + '(')) << name;
+    for (const std::string& name : publicClasses) {
+        EXPECT_TRUE(has("VHL::" + name + "::" + name + '(')) << name;
+        EXPECT_TRUE(has("VHL::" + name + "::~" + name + '(')) << name;
+        EXPECT_EQ(std::ranges::count(exported, "vtable for VHL::" + name), 1) << name;
+        EXPECT_EQ(std::ranges::count(exported, "typeinfo for VHL::" + name), 1) << name;
+        EXPECT_EQ(std::ranges::count(exported, "typeinfo name for VHL::" + name), 1) << name;
+        const bool abstract = name == "dPanoramicConversion" || name.starts_with("dColorTransform");
+        if (abstract)
+            continue;
+        if (name.ends_with("Mapping")) {
+            EXPECT_TRUE(has("VHL::" + name + "::toDirection(VHL::dVector) const")) << name;
+            EXPECT_TRUE(has("VHL::" + name + "::toTextureCoordinates(VHL::dVector) const")) << name;
+        } else {
+            EXPECT_TRUE(has("VHL::" + name + "::transform")) << name;
+            EXPECT_TRUE(has("VHL::" + name + "::inverse")) << name;
+        }
+    }
 }
 
 TEST(Object, ImportsTheRenderersFunctionsAndTheRuntimesOnly)

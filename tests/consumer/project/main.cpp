@@ -3,8 +3,10 @@
 
 #include <vhl/boolean.h>
 #include <vhl/color.h>
+#include <vhl/mappings.h>
 #include <vhl/scalar.h>
 #include <vhl/text.h>
+#include <vhl/transforms.h>
 #include <vhl/vector.h>
 
 #include <cstdio>
@@ -16,6 +18,12 @@ miColor compress(const miColor& value, const miColor& low, const miColor& high)
     return VHL::dColor::compress(value, low, high);
 }
 
+// A transform of one's own among the library's.
+struct Half : VHL::dColorTransform1 {
+    float transformFl(float value, int) const override { return value / 2; }
+    float inverseFl(float value, int) const override { return value * 2; }
+};
+
 int main()
 {
     const VHL::dScalar half = VHL::dScalar(1) / 2;
@@ -25,6 +33,11 @@ int main()
 
     char text[] = "a,b";
     char* const joined = VHL::join(';', VHL::split(',', text));
-    std::printf("%g %g %d %s\n", double(vector.y), double(color.a), int(equal), joined);
+    std::printf("%g %g %d %s", double(vector.y), double(color.a), int(equal), joined);
     std::free(joined);
+
+    const VHL::dColorTransform& transform = Half();
+    const VHL::dGamma gamma(VHL::dColor(0.5f));
+    std::printf(" %d %g", int(transform.transformCh(100, 0)), double(gamma.transformFl(3, 0)));
+    std::printf(" %g\n", double(VHL::dFisheyeMapping().toTextureCoordinates({1, 0, 0}).x()));
 }
