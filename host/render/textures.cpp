@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "host/render/textures.h"
 
+#include "host/images/image_file.h"
 #include "host/report/message.h"
-
-#include <OpenImageIO/imageio.h>
 
 #include <algorithm>
 #include <bit>
@@ -31,38 +30,17 @@ miColor toColor(const float* value, int components)
 
 std::string called(const Texture& texture) { return "texture \"" + texture.name + "\": "; }
 
-/// Whether the file's last row or tile is there. Files are cut off more often than broken otherwise, and some
-/// readers give black for what is missing; they leave no more than an error text.
-bool hasItsEnd(OIIO::ImageInput& input)
-{
-    const OIIO::ImageSpec& spec = input.spec();
-    const bool tiled = spec.tile_width > 0;
-    std::vector<float> pixels((tiled ? spec.tile_pixels() : std::size_t(spec.width)) *
-                              std::size_t(spec.nchannels));
-    const auto lastTile = [](int begin, int size, int tile) { return begin + (size - 1) / tile * tile; };
-    const bool read =
-        tiled ? input.read_tile(lastTile(spec.x, spec.width, spec.tile_width),
-                                lastTile(spec.y, spec.height, spec.tile_height), spec.z,
-                                OIIO::TypeDesc::FLOAT, pixels.data())
-              : input.read_scanline(spec.y + spec.height - 1, spec.z, OIIO::TypeDesc::FLOAT, pixels.data());
-    return read && !input.has_error();
-}
-
 /// An image file, of which the texture system keeps the parts that are in use.
 class FileImage final : public TextureImage {
 public:
     FileImage(const Texture& texture, const std::string& file, OIIO::TextureSystem& system)
         : texture_(texture), file_(file), system_(system)
     {
-        const auto input = OIIO::ImageInput::open(file);
-        if (!input)
-            throw unreadable(OIIO::geterror());
-        const OIIO::ImageSpec& spec = input->spec();
-        components_ = std::min(spec.nchannels, 4);
-        if (spec.width <= 0 || spec.height <= 0 || components_ <= 0)
-            throw unreadable("it is empty");
-        if (!hasItsEnd(*input))
-            throw unreadable(input->has_error() ? input->geterror() : "its end is missing");
+        try {
+            components_ = std::min(checkImageFile(file).nchannels, 4);
+        } catch (const Error& error) {
+            throw Error(texture.where, called(texture) + error.what());
+        }
         handle_ = system.get_texture_handle(OIIO::ustring(file));
         if (!handle_ || !system.good(handle_))
             throw unreadable(system.geterror());

@@ -61,6 +61,13 @@ void* mi_db_access(miTag tag)
 void mi_db_unpin(miTag) {}
 const char* mi_api_tag_lookup(miTag) { return instanceName; }
 void mi_opacity_set(miState*, miColor const* const) {}
+miBoolean mi_trace_eye(miColor*, miState*, miVector*, miVector*) { return miTRUE; }
+miBoolean mi_lookup_color_texture(miColor* const, miState* const, const miTag, miVector* const)
+{
+    return miTRUE;
+}
+void mi_vector_transform(miVector* const result, miVector const* const v, miMatrix const) { *result = *v; }
+void mi_vector_to_world(const miState*, miVector* result, const miVector* v) { *result = *v; }
 void mi_info(const char* const, ...) {}
 void mi_warning(const char* const, ...) {}
 }
