@@ -157,6 +157,16 @@ PixelFacts facts(const CameraRays& rays, const miState& state)
     return result;
 }
 
+/// How far a place on a surface moves while the shutter is open: with the object's motion vectors, and with
+/// the instances above it.
+miVector motionOf(const Instance& leaf, const SurfacePoint& place)
+{
+    if (leaf.record.gen_motion == stopsMotion)
+        return {0.0f, 0.0f, 0.0f};
+    return transformVector(place.motion, leaf.record.tf.local_to_global) +
+           transformPoint(place.point + place.motion, leaf.drift);
+}
+
 /// True when the state's surface may cast such rays, and its levels allow one more.
 bool mayCast(const RenderThread& thread, const miState& state, miRay_type type)
 {
@@ -192,7 +202,7 @@ void setHit(Frame& frame, const Ray& ray, const Hit& hit, bool flip)
     state.point = transformPoint(place.point, tf.local_to_global);
     state.normal = normalised(transformNormal(place.normal, tf.global_to_local));
     state.normal_geom = normalised(transformNormal(place.geometric, tf.global_to_local));
-    state.motion = transformVector(place.motion, tf.local_to_global);
+    state.motion = motionOf(*body.leaf, place);
     const bool back = dot(state.normal_geom, ray.direction) > 0.0;
     state.inv_normal = flip && back;
     if (state.inv_normal) {
