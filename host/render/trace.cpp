@@ -25,6 +25,8 @@ void clearHit(miState& state)
     state.material = miNULLTAG;
     state.label = 0;
     state.inv_normal = miFALSE;
+    state.face = '\0';
+    state.shadow_tol = 0.0;
     state.tex_list = nullptr;
     state.point = state.normal = state.normal_geom = state.motion = state.tex = {0.0f, 0.0f, 0.0f};
     state.dot_nd = 0.0f;
@@ -65,7 +67,7 @@ miBoolean shade(RenderThread& thread, Frame& frame, const Ray& ray, miColor& res
     if (isNull(ray.direction) || !isFinite(ray.direction) || !isFinite(ray.origin) ||
         !thread.stage.world.nearest(ray, hit))
         return callEnvironment(thread, frame, result);
-    setHit(frame, ray, hit, true);
+    setHit(frame, ray.direction, hit, true);
     const Surface& surface = *World::surface(hit);
     if (!surface.environment.empty()) {
         frame.state.environment = surface.environment.front()->tag;
@@ -192,7 +194,7 @@ double startDistance(const miVector& point)
     return roundings * std::max({std::abs(point.x), std::abs(point.y), std::abs(point.z)});
 }
 
-void setHit(Frame& frame, const Ray& ray, const Hit& hit, bool flip)
+void setHit(Frame& frame, const miVector& direction, const Hit& hit, bool flip)
 {
     miState& state = frame.state;
     const Body& body = *hit.body;
@@ -203,14 +205,14 @@ void setHit(Frame& frame, const Ray& ray, const Hit& hit, bool flip)
     state.normal = normalised(transformNormal(place.normal, tf.global_to_local));
     state.normal_geom = normalised(transformNormal(place.geometric, tf.global_to_local));
     state.motion = motionOf(*body.leaf, place);
-    const bool back = dot(state.normal_geom, ray.direction) > 0.0;
+    const bool back = dot(state.normal_geom, direction) > 0.0;
     state.inv_normal = flip && back;
     if (state.inv_normal) {
         state.normal = -state.normal;
         state.normal_geom = -state.normal_geom;
     }
     state.face = back ? 'b' : 'f';
-    state.dot_nd = float(dot(state.normal, ray.direction));
+    state.dot_nd = float(dot(state.normal, direction));
     state.dist = hit.distance;
     const float weights[] = {1.0f - hit.u - hit.v, hit.u, hit.v, 0.0f};
     std::copy(std::begin(weights), std::end(weights), state.bary);
