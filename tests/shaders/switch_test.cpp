@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Switches by exact name: which value an instance gets. What they print, and every call that they make, is in
 // arrays_test.
-#include "instances.h"
+#include "named_instances.h"
 #include "tests/harness/messages.h"
 
 #include <gtest/gtest.h>
@@ -9,6 +9,7 @@
 namespace {
 
 using test::Call;
+using test::leafOf;
 using test::list;
 
 struct Marked {
