@@ -147,6 +147,19 @@ TEST(Switch, AnInstanceWithoutANameIsTheEmptyOne)
     EXPECT_EQ(shaded(call, database.make<host::Instance>("no leaf").tag), 2) << "there is no parent at all";
 }
 
+TEST(Switch, LeavesOfOneSceneInstanceHaveItsName)
+{
+    Call call("vhSwitchScalar_v1");
+    call.set("names", list("a", "b")).set("values", list(1.0f, 2.0f));
+    const miTag scene = test::sceneInstance("a");
+    const miTag leaves[] = {leafOf(scene), leafOf(scene)};
+    for (const miTag leaf : leaves)
+        EXPECT_EQ(shaded(call, leaf), 1);
+    Call::session().database.find(scene)->name = "b";
+    for (const miTag leaf : leaves)
+        EXPECT_EQ(shaded(call, leaf), 2) << "asked at every sample";
+}
+
 TEST(Switch, KeepsNoPointerToItsNames)
 {
     const test::RelocatedStrings moving;
