@@ -257,6 +257,15 @@ TEST(Arrays, MayBeginAnywhere)
         EXPECT_EQ(color, green);
         arena.exit();
 
+        Arena matches(library, "vhSwitchColor_v4");
+        matches.array(16, nameStart, matches.texts({"a", "b", "^c"}));
+        matches.array(28, valueStart, std::vector{red, green, blue});
+        matches.shade("cab");
+        matches.init();
+        EXPECT_EQ(matches.execute(color), 1);
+        EXPECT_EQ(color, blue);
+        matches.exit();
+
         Arena selects(library, "vhSelectColor_v1");
         selects.at<float>(0) = 2;
         selects.array(4, valueStart, std::vector{red, green, blue});
