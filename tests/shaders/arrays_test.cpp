@@ -54,6 +54,17 @@ public:
 
     void connect(int byte) { block_.connect(at<int>(byte)); }
 
+    /// Connects parameters and notes, from now on, at which bytes any are evaluated.
+    void watch(const std::vector<int>& bytes)
+    {
+        for (const int byte : bytes)
+            connect(byte);
+        renderer.evaluate = [this](void* parameter) {
+            evaluated.push_back(static_cast<int>(static_cast<char*>(parameter) - &at<char>(0)));
+            return parameter;
+        };
+    }
+
     miTag text(const std::string& text)
     {
         texts_.push_back(text);
@@ -95,6 +106,7 @@ public:
     }
 
     BareRenderer& renderer = BareRenderer::get();
+    std::vector<int> evaluated;
 
     static constexpr miTag leafTag = 1000, parentTag = 1001;
 
@@ -302,39 +314,27 @@ TEST(Arrays, StartsAndCountsAreEvaluatedInOrderAndOnce)
     Arena arena(library, "vhSwitchScalar_v1");
     arena.array(names, 40, arena.texts({"a", "b"}));
     arena.array(values, 6, std::vector<float>{1, 2});
-    for (const int byte :
-         {names, names + 4, names + 8, values, values + 4, values + 8 + 6 * 4, values + 8 + 7 * 4})
-        arena.connect(byte);
-    std::vector<int> evaluated;
-    arena.renderer.evaluate = [&](void* parameter) {
-        evaluated.push_back(static_cast<int>(static_cast<char*>(parameter) - &arena.at<char>(0)));
-        return parameter;
-    };
+    const std::vector<int> order = {names,      names + 4,          names + 8,         values,
+                                    values + 4, values + 8 + 6 * 4, values + 8 + 7 * 4};
+    arena.watch(order);
     arena.init();
-    EXPECT_EQ(evaluated, (std::vector<int>{names, names + 4, names + 8, values, values + 4,
-                                           values + 8 + 6 * 4, values + 8 + 7 * 4}));
-    evaluated.clear();
+    EXPECT_EQ(arena.evaluated, order);
+    arena.evaluated.clear();
     arena.shade("b");
     float result = 0;
     arena.execute(result);
     EXPECT_EQ(result, 2);
-    EXPECT_EQ(evaluated, std::vector<int>{values + 8 + 7 * 4});
+    EXPECT_EQ(arena.evaluated, std::vector<int>{values + 8 + 7 * 4});
     arena.exit();
 
     Arena selects(library, "vhSelectScalar_v1");
     selects.array(4, 3, std::vector<float>{1, 2});
-    for (const int byte : {0, 4, 8, 12 + 3 * 4})
-        selects.connect(byte);
-    evaluated.clear();
-    selects.renderer.evaluate = [&](void* parameter) {
-        evaluated.push_back(static_cast<int>(static_cast<char*>(parameter) - &selects.at<char>(0)));
-        return parameter;
-    };
+    selects.watch({0, 4, 8, 12 + 3 * 4});
     selects.init();
-    EXPECT_EQ(evaluated, (std::vector<int>{4, 8})) << "the slot is an address only";
-    evaluated.clear();
+    EXPECT_EQ(selects.evaluated, (std::vector<int>{4, 8})) << "the slot is an address only";
+    selects.evaluated.clear();
     selects.execute(result);
-    EXPECT_EQ(evaluated, (std::vector<int>{0, 12 + 3 * 4}));
+    EXPECT_EQ(selects.evaluated, (std::vector<int>{0, 12 + 3 * 4}));
     selects.exit();
 }
 
@@ -465,23 +465,18 @@ TEST(PatternArrays, StartsAndCountsAreEvaluatedInOrderAndOnce)
     constexpr int firstColor = colors + 8 + 6 * 16, secondColor = firstColor + 16;
     arena.array(patterns, 60, arena.texts({"a", "b"}));
     arena.array(colors, 6, std::vector{red, green});
-    for (const int byte :
-         {defaultColor, patterns, patterns + 4, patterns + 8, colors, colors + 4, firstColor, secondColor})
-        arena.connect(byte);
-    std::vector<int> evaluated;
-    arena.renderer.evaluate = [&](void* parameter) {
-        evaluated.push_back(static_cast<int>(static_cast<char*>(parameter) - &arena.at<char>(0)));
-        return parameter;
-    };
+    const std::vector<int> order = {patterns,   patterns + 4, patterns + 8, colors,
+                                    colors + 4, firstColor,   secondColor};
+    arena.watch(order);
+    arena.connect(defaultColor);
     arena.init();
-    EXPECT_EQ(evaluated, (std::vector<int>{patterns, patterns + 4, patterns + 8, colors, colors + 4,
-                                           firstColor, secondColor}));
+    EXPECT_EQ(arena.evaluated, order);
     for (const char* const name : {"b", "a", "c"}) {
-        evaluated.clear();
+        arena.evaluated.clear();
         arena.shade(name);
         Color result{};
         arena.execute(result);
-        EXPECT_EQ(evaluated, std::vector<int>{secondColor}) << "the leaf is known by its first name";
+        EXPECT_EQ(arena.evaluated, std::vector<int>{secondColor}) << "the leaf is known by its first name";
         EXPECT_EQ(result, green);
     }
     arena.exit();
