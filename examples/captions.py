@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: BSD-3-Clause
-"""Paints captions.png, the sheet behind the tiles of state.mi: a card with a caption for each. Needs nothing but
-Python. Usage: captions.py [FILE]"""
+"""Paints captions.png, the sheet behind the tiles of state.mi: a card with a caption for each. Needs nothing
+but Python. Usage: captions.py [FILE]"""
 import struct
 import sys
 import zlib
@@ -11,8 +11,8 @@ ROWS = (
     ("ORG", "DIR", "DIST", "TIME", "RASTER POS", "RASTER X", "RASTER Y"),
     ("RAY TYPE", "REFLECTION LEVEL", "REFRACTION LEVEL", "LABEL", "INSTANCE", "RASTER WIDTH",
      "DIST/OF LIGHT RAYS"),
-    ("RAY TYPE/SCALAR", "REFLECTION LEVEL/SCALAR", "REFRACTION LEVEL/SCALAR", "LABEL/SCALAR", "INSTANCE/SCALAR",
-     "RASTER HEIGHT", "TEXTURE COORD/OF SHADOW RAYS"))
+    ("RAY TYPE/SCALAR", "REFLECTION LEVEL/SCALAR", "REFRACTION LEVEL/SCALAR", "LABEL/SCALAR",
+     "INSTANCE/SCALAR", "RASTER HEIGHT", "TEXTURE COORD/OF SHADOW RAYS"))
 
 # Five columns of dots a letter, the lowest bit at the top.
 LETTERS = {
@@ -53,9 +53,11 @@ def main():
         body = kind + data
         return struct.pack(">I", len(data)) + body + struct.pack(">I", zlib.crc32(body))
 
+    header = struct.pack(">IIBBBBB", width, len(picture), 8, 0, 0, 0, 0)  # 8 bits of grey
+    rows = b"".join(b"\0" + line for line in picture)
     with open(sys.argv[1] if len(sys.argv) > 1 else "captions.png", "wb") as file:
-        file.write(b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", struct.pack(">IIBBBBB", width, len(picture), 8, 0, 0, 0, 0)) +
-                   chunk(b"IDAT", zlib.compress(b"".join(b"\0" + line for line in picture), 9)) + chunk(b"IEND", b""))
+        file.write(b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", header) +
+                   chunk(b"IDAT", zlib.compress(rows, 9)) + chunk(b"IEND", b""))
 
 
 main()
