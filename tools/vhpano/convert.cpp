@@ -13,6 +13,7 @@
 #include <cmath>
 #include <filesystem>
 #include <future>
+#include <limits>
 #include <memory>
 #include <numbers>
 #include <vector>
@@ -84,6 +85,7 @@ struct Step {
     float v = 0;
 
     float length() const { return std::hypot(u, v); }
+    Step operator*(float factor) const { return {u * factor, v * factor}; }
 };
 
 /// The shorter of the ways to the neighbours on either side: across a seam of the input the other one is
@@ -129,12 +131,23 @@ public:
     int channels() const { return channels_; }
 
     /// Safe from any thread.
-    void look(const Place& place, const Step& right, const Step& up, float* result) const
+    void look(const Place& place, Step right, Step up, float* result) const
     {
-        const Place inside = inset(place, std::max(right.length(), up.length()));
         OIIO::TextureOpt options = options_;
-        if (isWithinTexel(right) && isWithinTexel(up))
+        float covered = std::max(texels(right), texels(up));
+        // Near where the piece ends, a wide average would take in what lies beyond.
+        if (covered > 2 && texelsToEnd(place) < covered + 0.5f) {
+            right = right * (2 / covered);
+            up = up * (2 / covered);
+            covered = 2;
+        }
+        if (covered <= 1)
             options.mipmode = OIIO::TextureOpt::MipModeNoMIP; // which is all that would come out of it
+        // Bicubic filters reach two texels far, bilinear ones half a texel, and averages of averages twice
+        // theirs.
+        if (options.interpmode != OIIO::TextureOpt::InterpClosest && texelsToEnd(place) < 2)
+            options.interpmode = OIIO::TextureOpt::InterpBilinear;
+        const Place inside = inset(place, covered <= 1 ? 0.5f : covered + 0.5f);
         if (!system_->texture(handle_, system_->get_perthread_info(), options, inside.u, 1 - inside.v,
                               right.u, -right.v, up.u, -up.v, channels_, result))
             throw broken();
@@ -143,29 +156,40 @@ public:
 private:
     Error broken() const { return Error("cannot read the input: " + system_->geterror()); }
 
-    bool isWithinTexel(const Step& step) const
+    float texels(const Step& step) const
     {
-        return std::abs(step.u) * static_cast<float>(width_) <= 1 &&
-               std::abs(step.v) * static_cast<float>(height_) <= 1;
+        return std::hypot(step.u * static_cast<float>(width_), step.v * static_cast<float>(height_));
     }
 
-    /// Half a texel, or half of what is averaged, away from where another face or nothing begins.
-    Place inset(Place place, float step) const
+    /// How far it is to where another face, or nothing, begins above, below or around a place.
+    float texelsToEnd(const Place& place) const
     {
+        if (layout_ == Layout::latlong)
+            return std::numeric_limits<float>::infinity();
+        if (layout_ == Layout::cube) {
+            const float within = place.v * 6 - static_cast<float>(place.part);
+            return std::min(within, 1 - within) * static_cast<float>(height_) / 6;
+        }
+        return (1 - std::hypot(2 * place.u - 1, 2 * place.v - 1)) *
+               static_cast<float>(std::min(width_, height_)) / 2;
+    }
+
+    /// The place, or the nearest one that is so many texels away from that end.
+    Place inset(Place place, float distance) const
+    {
+        if (layout_ == Layout::latlong || texelsToEnd(place) >= distance)
+            return place;
         if (layout_ == Layout::cube) {
             const auto face = static_cast<float>(place.part);
-            const float margin = std::min(0.5f, std::max(3.0f / static_cast<float>(height_), step * 3));
+            const float margin = std::min(distance * 6 / static_cast<float>(height_), 0.5f);
             place.v = (face + std::clamp(place.v * 6 - face, margin, 1 - margin)) / 6;
-        } else if (layout_ != Layout::latlong) {
-            const float x = 2 * place.u - 1, y = 2 * place.v - 1;
-            const float radius = std::hypot(x, y);
-            const float most =
-                1 - std::min(1.0f, std::max(1.0f / static_cast<float>(std::min(width_, height_)), step));
-            if (radius > most) {
-                place.u = (x * (most / radius) + 1) / 2;
-                place.v = (y * (most / radius) + 1) / 2;
-            }
+            return place;
         }
+        const float x = 2 * place.u - 1, y = 2 * place.v - 1;
+        const float margin = std::min(2 * distance / static_cast<float>(std::min(width_, height_)), 1.0f);
+        const float scale = (1 - margin) / std::hypot(x, y);
+        place.u = (x * scale + 1) / 2;
+        place.v = (y * scale + 1) / 2;
         return place;
     }
 

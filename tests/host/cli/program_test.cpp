@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // The whole program on good and bad input: one clear message, the right exit status, nothing half-written.
-#include "tests/host/cli/program.h"
+#include "tests/harness/folder.h"
+#include "tests/harness/program.h"
 
 #include <gtest/gtest.h>
 
@@ -9,9 +10,11 @@
 #include <cstring>
 #include <sys/mount.h>
 
-using namespace testing_host;
+using namespace test;
 
 namespace {
+
+Outcome run(const Launch& launch) { return test::run(VHRENDER, launch); }
 
 /// A square that fills a 4 by 4 picture with a constant colour, in parts that tests replace.
 struct Scene {

@@ -2,6 +2,7 @@
 #include "host/render/textures.h"
 
 #include "host/report/message.h"
+#include "tests/harness/folder.h"
 #include "tests/harness/stage.h"
 #include "tests/host/render/scene.h"
 
@@ -28,14 +29,6 @@ void expectColor(const miColor& c, float r, float g, float b, float a)
     EXPECT_NEAR(c.b, b, 1e-6);
     EXPECT_NEAR(c.a, a, 1e-6);
 }
-
-/// A folder that goes away.
-struct Folder {
-    std::filesystem::path path =
-        std::filesystem::temp_directory_path() / ("render_textures_" + std::to_string(getpid()));
-    Folder() { std::filesystem::create_directories(path); }
-    ~Folder() { std::filesystem::remove_all(path); }
-};
 
 /// A texture given in the scene, lowest row first.
 class Bytes {
@@ -103,7 +96,7 @@ TEST(Texture, BilinearBetweenTexelCentresAndClampedAtTheBorder)
     host::TextureFiles files;
     for (const char* const name : {"t.png", "t.tif"}) {
         SCOPED_TRACE(name);
-        texture.file = (folder.path / name).string();
+        texture.file = folder.path(name);
         write(texture.file, 2, 2, 1, {0, 51, 102, 153});
         expectRows(*files.open(texture, {}));
     }
@@ -151,7 +144,7 @@ TEST(Texture, Files)
     for (int channels = 1; channels <= 4; ++channels)
         for (const std::string format : {"png", "tif"}) {
             SCOPED_TRACE(format + std::to_string(channels));
-            const std::string file = (folder.path / ("t." + format)).string();
+            const std::string file = folder.path("t." + format);
             std::vector<unsigned char> values;
             for (int i = 0; i < 4 * channels; ++i)
                 values.push_back(static_cast<unsigned char>(20 + 10 * i));
@@ -160,7 +153,7 @@ TEST(Texture, Files)
             host::Texture texture;
             texture.file = "t." + format;
             host::SearchPaths paths;
-            paths.texture = {"/nowhere", folder.path.string()};
+            paths.texture = {"/nowhere", folder.path()};
             host::TextureFiles files;
             const auto image = files.open(texture, paths);
             // Files count rows from the top: pixel (1, 0) of ours is the last of the file.
@@ -181,12 +174,12 @@ TEST(Texture, MissingAndUnreadableFilesNameTheTexture)
     const Folder folder;
     host::Texture texture;
     texture.name = "wood";
-    texture.where = {host::fileName((folder.path / "scene.mi").string()), 12, 3};
+    texture.where = {host::fileName(folder.path("scene.mi")), 12, 3};
     texture.file = "absent.png";
     host::TextureFiles files;
     EXPECT_EQ(errorOf([&] { files.open(texture, {}); }),
-              (folder.path / "scene.mi").string() + ":12:3: texture \"wood\": no file \"absent.png\"");
-    std::ofstream(folder.path / "text.png") << "this is no picture";
+              folder.path("scene.mi") + ":12:3: texture \"wood\": no file \"absent.png\"");
+    folder.write("text.png", "this is no picture");
     texture.file = "text.png"; // found beside the scene
     EXPECT_NE(errorOf([&] { files.open(texture, {}); }).find("texture \"wood\": cannot read"),
               std::string::npos);
@@ -199,7 +192,7 @@ TEST(Texture, FilesThatEndTooEarlyAreRefused)
         SCOPED_TRACE(format);
         host::Texture texture;
         texture.name = "wood";
-        texture.file = (folder.path / ("t." + format)).string();
+        texture.file = folder.path("t." + format);
         std::vector<unsigned char> noise;
         std::mt19937 source(3);
         std::generate_n(std::back_inserter(noise), 256 * 256 * 3,
@@ -217,7 +210,7 @@ TEST(Texture, OfAWideFileOnlyPartsAreRead)
 {
     const Folder folder;
     host::Texture texture;
-    texture.file = (folder.path / "wide.tif").string();
+    texture.file = folder.path("wide.tif");
     constexpr int width = 30000, height = 2000;
     OIIO::ImageSpec spec(width, height, 3, OIIO::TypeDesc::UINT8);
     spec.tile_width = spec.tile_height = 64;
