@@ -139,6 +139,10 @@ public:
         Near near[most];
         while (colors >= colorsAtOnce) {
             const std::size_t count = colors < most ? colors - colors % colorsAtOnce : most;
+            for (std::size_t i = 0; i < 4 * most; i += 16) {
+                __builtin_prefetch(in + 4 * most + i);
+                __builtin_prefetch(out + 4 * most + i, 1);
+            }
 #pragma GCC unroll 2
             for (std::size_t i = 0; i < count; ++i)
                 near[i] = look(in + 4 * i);
