@@ -5,6 +5,8 @@
 #include "api.h"
 #include "vector.h"
 
+#include <cstddef>
+
 namespace VHL {
 
 /// A layout of panoramic images.
@@ -84,5 +86,14 @@ public:
     dVector toTextureCoordinates(dVector direction) const override;
     dVector toDirection(dVector coordinates) const override;
 };
+
+/// mapping.toTextureCoordinates for every one of `count` directions, to within 1e-6; unit directions are
+/// expected. May be done in place; arrays that overlap in another way are not allowed. The mappings above
+/// take as many directions at a time as the processor's vectors hold, others are called for each.
+VHL_API void toTextureCoordinates(const dPanoramicConversion& mapping, const dVector* directions,
+                                  dVector* coordinates, std::size_t count);
+/// mapping.toDirection in the same way.
+VHL_API void toDirection(const dPanoramicConversion& mapping, const dVector* coordinates, dVector* directions,
+                         std::size_t count);
 
 } // namespace VHL

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "transforms.h"
-#include "transform_rules.h"
+
+#include "balance.h"
+#include "wide/rules.h"
 
 #include <cmath>
 #include <cstring>
@@ -46,23 +48,6 @@ float apply(float value, auto... settings)
 /// The float nearest to the power. The C library's single-precision power is not always that one, and which
 /// it is depends on the processor.
 float power(float base, float exponent) { return float(std::pow(double(base), double(exponent))); }
-
-// What one unit of a balance is worth.
-float codeValues(int unit)
-{
-    return unit == 1 ? 1 / 1023.0f : unit == 2 ? 11.25f / 1023 : unit == 3 ? 67.5f / 1023 : 0.0f;
-}
-// Deliberately rounded numbers, not 1 / 67.5 and 1 / 6.
-float stops(int unit) { return unit == 1 ? 0.014814844f : unit == 2 ? 0.16667f : unit == 3 ? 1.0f : 0.0f; }
-
-float balanceSummand(const dBalance& balance, int channel)
-{
-    return balance.offset[channel] * codeValues(balance.unit);
-}
-float balanceFactor(const dBalance& balance, int channel)
-{
-    return float(std::exp2(double(balance.offset[channel] * stops(balance.unit))));
-}
 
 } // namespace
 
@@ -172,9 +157,9 @@ float dBalance::transformFl(float value, int channel) const
 {
     switch (space) {
     case kLogSpace:
-        return apply<rules::Add>(value, balanceSummand(*this, channel));
+        return apply<rules::Add>(value, balance::summand(*this, channel));
     case kLinearSpace:
-        return apply<rules::Multiply>(value, balanceFactor(*this, channel));
+        return apply<rules::Multiply>(value, balance::factor(*this, channel));
     }
     return value;
 }
@@ -182,9 +167,9 @@ float dBalance::inverseFl(float value, int channel) const
 {
     switch (space) {
     case kLogSpace:
-        return apply<rules::Subtract>(value, balanceSummand(*this, channel));
+        return apply<rules::Subtract>(value, balance::summand(*this, channel));
     case kLinearSpace:
-        return apply<rules::Divide>(value, balanceFactor(*this, channel));
+        return apply<rules::Divide>(value, balance::factor(*this, channel));
     }
     return value;
 }

@@ -7,6 +7,8 @@
 #include "color.h"
 #include "scalar.h"
 
+#include <cstddef>
+
 namespace VHL {
 
 /// A colour operation and the way back.
@@ -244,5 +246,14 @@ public:
 
     dScalar alpha;
 };
+
+/// transform.transformCl for every one of `count` colours, bit for bit. Colours may be transformed in place;
+/// arrays that overlap in another way are not allowed. Transforms of the classes above go as many colours at
+/// a time as the processor's vectors take, and cost what reading and writing memory costs; for a gamma of
+/// more than some hundred colours there are tables to make, which takes some ten microseconds. Others are
+/// called for each colour.
+VHL_API void transformCl(const dColorTransform& transform, const dColor* in, dColor* out, std::size_t count);
+/// The same for transform.inverseCl.
+VHL_API void inverseCl(const dColorTransform& transform, const dColor* in, dColor* out, std::size_t count);
 
 } // namespace VHL

@@ -1,0 +1,338 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "batch.h"
+
+#include "balance.h"
+#include "wide/kernels.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <typeinfo>
+
+namespace VHL {
+
+namespace {
+
+const wide::Kernels& kernels(Processor processor)
+{
+    switch (processor) {
+    case Processor::avx512:
+        return wide::avx512;
+    case Processor::avx2:
+        return wide::avx2;
+    default:
+        return wide::plain;
+    }
+}
+
+/// The object as a T, if it is one and not something derived from it, which may do anything.
+template <class T>
+const T* exactly(const auto& object)
+{
+    return typeid(object) == typeid(T) ? static_cast<const T*>(&object) : nullptr;
+}
+
+/// Colours to transform, and on which processor.
+struct Colors {
+    const wide::Kernels& kernels;
+    const float* in;
+    float* out;
+    std::size_t count;
+
+    void byChannels(wide::Kernels::Channels operation, std::initializer_list<dColor> settings,
+                    bool keepAlpha) const
+    {
+        float constants[5][4];
+        float(*constant)[4] = constants;
+        for (const dColor& setting : settings)
+            std::memcpy(constant++, &setting, sizeof setting);
+        operation(in, out, count, constants, keepAlpha);
+    }
+
+    /// For each channel: the channel that it becomes, or none and the value.
+    struct Source {
+        int channel;
+        float value;
+    };
+    static constexpr int none = -1;
+
+    void arrange(const Source (&sources)[4]) const
+    {
+        unsigned masks[5][4] = {};
+        for (int i = 0; i < 4; ++i)
+            if (sources[i].channel == none)
+                std::memcpy(&masks[4][i], &sources[i].value, sizeof(float));
+            else
+                masks[sources[i].channel][i] = ~0u;
+        kernels.arrange(in, out, count, masks);
+    }
+
+    void copy() const
+    {
+        if (count != 0 && in != out)
+            std::memcpy(out, in, count * sizeof(dColor));
+    }
+};
+
+/// Of the numbers in the middle of the 256th parts from 1 to 2.
+struct Inverses {
+    Inverses() noexcept
+    {
+        for (int i = 0; i < 256; ++i) {
+            number[i] = float(1 / (1 + (i + 0.5) / 256)); // short, so that products with mantissas are exact
+            logarithm[i] = std::log2(number[i]);
+        }
+    }
+
+    double number[256], logarithm[256];
+};
+
+/// False where the series would have to be longer.
+bool makeTable(wide::PowerTable& table, float exponent)
+{
+    const double y = exponent;
+    const double second = y * (y - 1) / 2, third = second * (y - 2) / 3, fourth = third * (y - 3) / 4;
+    // The series' next term, with what follows it; the rest is at most 1/512. Then the roundings of what is
+    // multiplied here and there, and that of the C library's power, whose own rounding to a float is to be
+    // met.
+    const double error = 1.25 * std::abs(fourth) * 0x1p-36 + 0x1p-48;
+    if (!(error < 0x1p-31))
+        return false;
+    table.exponent = y;
+    table.second = second;
+    table.third = third;
+    table.error = error;
+    table.ofZero = float(std::pow(0.0, y));
+    // 2^(k * y) from two factors; the products of the first with integers are exact.
+    double coarse[16], fine[16];
+    for (int i = 0; i < 16; ++i) {
+        coarse[i] = std::exp2((16 * i - 127) * y);
+        fine[i] = std::exp2(i * y);
+    }
+    for (int i = 0; i < 256; ++i)
+        table.scale[i] = coarse[i / 16] * fine[i % 16];
+    const double none = std::numeric_limits<double>::quiet_NaN();
+    table.scale[0] = table.scale[255] = none;
+    std::fill_n(table.scale + 256, 256, none);
+    static const Inverses inverses;
+    for (int i = 0; i < 256; ++i)
+        table.part[i] = {inverses.number[i], std::exp2(-y * inverses.logarithm[i])};
+    return true;
+}
+
+/// By tables, if there are enough colours and the series is good for the exponents.
+bool takePower(const Colors& colors, const dColor& exponents, bool keepAlpha)
+{
+    constexpr std::size_t worthTables = 256;
+    if (colors.count < worthTables)
+        return false;
+    wide::PowerTable tables[4];
+    const wide::PowerTable* byChannel[4];
+    for (int i = 0; i < 4; ++i) {
+        byChannel[i] = nullptr;
+        const bool skipped = keepAlpha && i == 3;
+        for (int earlier = 0; earlier < i && !byChannel[i]; ++earlier)
+            if (skipped || exponents[earlier] == exponents[i])
+                byChannel[i] = byChannel[earlier];
+        if (byChannel[i])
+            continue;
+        if (!makeTable(tables[i], exponents[i]))
+            return false;
+        byChannel[i] = &tables[i];
+    }
+    colors.kernels.power(colors.in, colors.out, colors.count, byChannel, keepAlpha);
+    return true;
+}
+
+dColor perChannel(const auto& operation) { return {operation(0), operation(1), operation(2), operation(3)}; }
+
+void reorder(const Colors& colors, const char* order)
+{
+    Colors::Source sources[4] = {{0, 0}, {1, 0}, {2, 0}, {3, 0}};
+    for (int i = 0; i < 4 && order[i] != '\0'; ++i) {
+        const char* const channels = "rgba";
+        const char* const channel = std::strchr(channels, order[i]);
+        if (channel)
+            sources[i].channel = int(channel - channels);
+        else if (order[i] == '0' || order[i] == '1')
+            sources[i] = {Colors::none, order[i] == '1' ? 1.0f : 0.0f};
+    }
+    colors.arrange(sources);
+}
+
+/// Whether there is a loop for the transform, which has then run.
+bool transform(const dColorTransform& transform, const Colors& colors)
+{
+    const wide::Kernels& k = colors.kernels;
+    const bool keep = transform.skipAlpha;
+    if (const auto* const t = exactly<dGamma>(transform))
+        return takePower(colors, perChannel([&](int i) { return 1.0f / t->gamma[i]; }), keep);
+    if (const auto* const t = exactly<dClamp>(transform))
+        return colors.byChannels(k.clamp, {t->low, t->high}, keep), true;
+    if (const auto* const t = exactly<dThreshold>(transform))
+        return colors.byChannels(k.threshold, {t->threshold}, keep), true;
+    if (const auto* const t = exactly<dInvert>(transform))
+        return colors.byChannels(k.invert, {t->base}, keep), true;
+    if (const auto* const t = exactly<dSolarize>(transform))
+        return colors.byChannels(
+                   k.solarize, {t->low, t->mid, t->high, float(t->keepBelow != 0), float(t->keepAbove != 0)},
+                   keep),
+               true;
+    if (const auto* const t = exactly<dBalance>(transform)) {
+        if (t->space == kLogSpace)
+            return colors.byChannels(k.add, {perChannel([&](int i) { return balance::summand(*t, i); })},
+                                     keep),
+                   true;
+        if (t->space == kLinearSpace)
+            return colors.byChannels(k.multiply, {perChannel([&](int i) { return balance::factor(*t, i); })},
+                                     keep),
+                   true;
+        return colors.copy(), true;
+    }
+    if (const auto* const t = exactly<dExpand>(transform))
+        return colors.byChannels(k.expand, {t->low, t->high}, false), true;
+    if (const auto* const t = exactly<dCompress>(transform))
+        return colors.byChannels(k.compress, {t->low, t->high}, false), true;
+    if (const auto* const t = exactly<dMatteMult>(transform))
+        return k.multiplyByAlpha(colors.in, colors.out, colors.count, t->checkAlpha), true;
+    if (const auto* const t = exactly<dMatteDiv>(transform))
+        return k.divideByAlpha(colors.in, colors.out, colors.count, t->checkAlpha), true;
+    if (const auto* const t = exactly<dReorder>(transform))
+        return reorder(colors, t->order), true;
+    if (const auto* const t = exactly<dSetColor>(transform)) {
+        const bool set[] = {t->setRed, t->setGreen, t->setBlue, t->setAlpha};
+        Colors::Source sources[4];
+        for (int i = 0; i < 4; ++i)
+            sources[i] = {set[i] ? Colors::none : i, t->color[i]};
+        return colors.arrange(sources), true;
+    }
+    if (const auto* const t = exactly<dSetAlpha>(transform))
+        return colors.arrange({{0, 0}, {1, 0}, {2, 0}, {Colors::none, t->alpha}}), true;
+    return false;
+}
+
+bool inverse(const dColorTransform& transform, const Colors& colors)
+{
+    const wide::Kernels& k = colors.kernels;
+    const bool keep = transform.skipAlpha;
+    if (const auto* const t = exactly<dGamma>(transform))
+        return takePower(colors, t->gamma, keep);
+    if (const auto* const t = exactly<dSolarize>(transform))
+        return colors.byChannels(k.inverseSolarize, {t->low, t->mid, t->high}, keep), true;
+    if (const auto* const t = exactly<dBalance>(transform)) {
+        if (t->space == kLogSpace)
+            return colors.byChannels(k.subtract, {perChannel([&](int i) { return balance::summand(*t, i); })},
+                                     keep),
+                   true;
+        if (t->space == kLinearSpace)
+            return colors.byChannels(k.divide, {perChannel([&](int i) { return balance::factor(*t, i); })},
+                                     keep),
+                   true;
+        return colors.copy(), true;
+    }
+    if (const auto* const t = exactly<dExpand>(transform))
+        return colors.byChannels(k.compress, {t->low, t->high}, false), true;
+    if (const auto* const t = exactly<dCompress>(transform))
+        return colors.byChannels(k.expand, {t->low, t->high}, false), true;
+    if (const auto* const t = exactly<dMatteMult>(transform))
+        return k.divideByAlpha(colors.in, colors.out, colors.count, t->checkAlpha), true;
+    if (const auto* const t = exactly<dMatteDiv>(transform))
+        return k.multiplyByAlpha(colors.in, colors.out, colors.count, t->checkAlpha), true;
+    if (exactly<dClamp>(transform) || exactly<dThreshold>(transform) || exactly<dInvert>(transform) ||
+        exactly<dReorder>(transform) || exactly<dSetColor>(transform) || exactly<dSetAlpha>(transform))
+        return colors.copy(), true;
+    return false;
+}
+
+/// The single form for the loops' own use.
+template <class Mapping, dVector (Mapping::*operation)(dVector) const>
+void single(const float* in, float* out)
+{
+    const dVector result = (Mapping().*operation)({in[0], in[1], in[2]});
+    std::memcpy(out, &result, sizeof result);
+}
+
+/// Runs the loop for a mapping of the class. False if it is of another one.
+template <class Mapping, dVector (Mapping::*operation)(dVector) const>
+bool map(const dPanoramicConversion& mapping, wide::Kernels::Mapping loop, const dVector* in, dVector* out,
+         std::size_t count)
+{
+    if (!exactly<Mapping>(mapping))
+        return false;
+    loop(reinterpret_cast<const float*>(in), reinterpret_cast<float*>(out), count,
+         single<Mapping, operation>);
+    return true;
+}
+
+} // namespace
+
+namespace batch {
+
+void transformCl(Processor processor, const dColorTransform& transform, const dColor* in, dColor* out,
+                 std::size_t count)
+{
+    if (!VHL::transform(transform, {kernels(processor), reinterpret_cast<const float*>(in),
+                                    reinterpret_cast<float*>(out), count}))
+        for (std::size_t i = 0; i < count; ++i)
+            out[i] = transform.transformCl(in[i]);
+}
+
+void inverseCl(Processor processor, const dColorTransform& transform, const dColor* in, dColor* out,
+               std::size_t count)
+{
+    if (!VHL::inverse(transform, {kernels(processor), reinterpret_cast<const float*>(in),
+                                  reinterpret_cast<float*>(out), count}))
+        for (std::size_t i = 0; i < count; ++i)
+            out[i] = transform.inverseCl(in[i]);
+}
+
+void toTextureCoordinates(Processor processor, const dPanoramicConversion& m, const dVector* in, dVector* out,
+                          std::size_t n)
+{
+    const wide::Kernels::Mappings& loops = kernels(processor).toTextureCoordinates;
+    if (map<dSphericalMapping, &dSphericalMapping::toTextureCoordinates>(m, loops.spherical, in, out, n) ||
+        map<dFisheyeMapping, &dFisheyeMapping::toTextureCoordinates>(m, loops.fisheye, in, out, n) ||
+        map<dCubicMapping, &dCubicMapping::toTextureCoordinates>(m, loops.cubic, in, out, n) ||
+        map<dBallMapping, &dBallMapping::toTextureCoordinates>(m, loops.ball, in, out, n) ||
+        map<dAngularMapping, &dAngularMapping::toTextureCoordinates>(m, loops.angular, in, out, n))
+        return;
+    for (std::size_t i = 0; i < n; ++i)
+        out[i] = m.toTextureCoordinates(in[i]);
+}
+
+void toDirection(Processor processor, const dPanoramicConversion& m, const dVector* in, dVector* out,
+                 std::size_t n)
+{
+    const wide::Kernels::Mappings& loops = kernels(processor).toDirection;
+    if (map<dSphericalMapping, &dSphericalMapping::toDirection>(m, loops.spherical, in, out, n) ||
+        map<dFisheyeMapping, &dFisheyeMapping::toDirection>(m, loops.fisheye, in, out, n) ||
+        map<dCubicMapping, &dCubicMapping::toDirection>(m, loops.cubic, in, out, n) ||
+        map<dBallMapping, &dBallMapping::toDirection>(m, loops.ball, in, out, n) ||
+        map<dAngularMapping, &dAngularMapping::toDirection>(m, loops.angular, in, out, n))
+        return;
+    for (std::size_t i = 0; i < n; ++i)
+        out[i] = m.toDirection(in[i]);
+}
+
+} // namespace batch
+
+void transformCl(const dColorTransform& transform, const dColor* in, dColor* out, std::size_t count)
+{
+    batch::transformCl(processor(), transform, in, out, count);
+}
+void inverseCl(const dColorTransform& transform, const dColor* in, dColor* out, std::size_t count)
+{
+    batch::inverseCl(processor(), transform, in, out, count);
+}
+void toTextureCoordinates(const dPanoramicConversion& mapping, const dVector* in, dVector* out,
+                          std::size_t count)
+{
+    batch::toTextureCoordinates(processor(), mapping, in, out, count);
+}
+void toDirection(const dPanoramicConversion& mapping, const dVector* in, dVector* out, std::size_t count)
+{
+    batch::toDirection(processor(), mapping, in, out, count);
+}
+
+} // namespace VHL
