@@ -253,17 +253,27 @@ private:
         std::vector<Place> places(static_cast<std::size_t>(size_.width));
         if (row < 0 || row >= size_.height)
             return places;
-        const VHL::dPanoramicConversion& to = mappingOf(conversion_.to);
-        const VHL::dPanoramicConversion& from = mappingOf(conversion_.from);
         const auto v = static_cast<float>((size_.height - row - 0.5) / size_.height);
-        for (int x = 0; x < size_.width; ++x) {
-            const dVector direction = to.toDirection({static_cast<float>((x + 0.5) / size_.width), v, 0});
-            if (direction.x() == 0 && direction.y() == 0 && direction.z() == 0)
-                continue;
-            const dVector at = from.toTextureCoordinates(turn_(direction));
+        std::vector<dVector> vectors;
+        vectors.reserve(places.size());
+        for (int x = 0; x < size_.width; ++x)
+            vectors.emplace_back(static_cast<float>((x + 0.5) / size_.width), v, 0.0f);
+        VHL::toDirection(mappingOf(conversion_.to), vectors.data(), vectors.data(), vectors.size());
+        for (std::size_t i = 0; i < places.size(); ++i) {
+            dVector& direction = vectors[i];
+            places[i].exists = direction.x() != 0 || direction.y() != 0 || direction.z() != 0;
+            direction = turn_(direction);
+        }
+        VHL::toTextureCoordinates(mappingOf(conversion_.from), vectors.data(), vectors.data(),
+                                  vectors.size());
+        for (std::size_t i = 0; i < places.size(); ++i) {
+            Place& place = places[i];
+            place.u = vectors[i].x();
+            place.v = vectors[i].y();
             // A layout that does not show a direction says so by a third coordinate of 0.
-            const int part = conversion_.from == Layout::cube ? faceAt(at.y()) : 0;
-            places[static_cast<std::size_t>(x)] = {at.x(), at.y(), at.z() != 0, part};
+            place.exists = place.exists && vectors[i].z() != 0;
+            if (conversion_.from == Layout::cube)
+                place.part = faceAt(place.v);
         }
         return places;
     }

@@ -111,6 +111,7 @@ TEST(File, IsTriedWithTheEndingToo)
 {
     const Folder folder;
     folder.write("a.mi", "set \"found\"");
+    folder.write("below/x.mi", "");
     Scene scene;
     EXPECT_EQ(fileError(scene, folder.path("a")), "accepted");
     EXPECT_TRUE(isSet(scene, "found"));
