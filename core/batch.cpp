@@ -4,6 +4,7 @@
 #include "balance.h"
 #include "wide/kernels.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <limits>
@@ -74,6 +75,19 @@ struct Colors {
     }
 };
 
+/// Of the numbers in the middle of the 256th parts from 1 to 2.
+struct Inverses {
+    Inverses() noexcept
+    {
+        for (int i = 0; i < 256; ++i) {
+            number[i] = float(1 / (1 + (i + 0.5) / 256)); // short, so that products with mantissas are exact
+            logarithm[i] = std::log2(number[i]);
+        }
+    }
+
+    double number[256], logarithm[256];
+};
+
 /// False where the series would have to be longer.
 bool makeTable(wide::PowerTable& table, float exponent)
 {
@@ -82,7 +96,7 @@ bool makeTable(wide::PowerTable& table, float exponent)
     // The series' next term, with what follows it; the rest is at most 1/512. Then the roundings of what is
     // multiplied here and there, and that of the C library's power, whose own rounding to a float is to be
     // met.
-    const double error = 1.25 * std::abs(fourth) * 0x1p-36 + 0x1p-49;
+    const double error = 1.25 * std::abs(fourth) * 0x1p-36 + 0x1p-48;
     if (!(error < 0x1p-31))
         return false;
     table.exponent = y;
@@ -90,14 +104,20 @@ bool makeTable(wide::PowerTable& table, float exponent)
     table.third = third;
     table.error = error;
     table.ofZero = float(std::pow(0.0, y));
-    for (int i = 0; i < 512; ++i)
-        table.scale[i] =
-            i > 0 && i < 255 ? std::exp2((i - 127) * y) : std::numeric_limits<double>::quiet_NaN();
-    for (int i = 0; i < 256; ++i) {
-        const double inverse =
-            float(1 / (1 + (i + 0.5) / 256)); // short, so that products with mantissas are exact
-        table.part[i] = {inverse, std::pow(inverse, -y)};
+    // 2^(k * y) from two factors; the products of the first with integers are exact.
+    double coarse[16], fine[16];
+    for (int i = 0; i < 16; ++i) {
+        coarse[i] = std::exp2((16 * i - 127) * y);
+        fine[i] = std::exp2(i * y);
     }
+    for (int i = 0; i < 256; ++i)
+        table.scale[i] = coarse[i / 16] * fine[i % 16];
+    const double none = std::numeric_limits<double>::quiet_NaN();
+    table.scale[0] = table.scale[255] = none;
+    std::fill_n(table.scale + 256, 256, none);
+    static const Inverses inverses;
+    for (int i = 0; i < 256; ++i)
+        table.part[i] = {inverses.number[i], std::exp2(-y * inverses.logarithm[i])};
     return true;
 }
 
