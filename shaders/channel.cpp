@@ -27,16 +27,11 @@ struct Reordering {
     }
 };
 
-/// What one letter of a pattern makes of the component at `place`.
-template <class T>
-float component(const T& input, std::string_view names, int place, char letter)
+/// The component that a letter of a pattern names, or the one at `place` itself.
+int sourceOf(std::string_view names, int place, char letter)
 {
-    if (letter == '0')
-        return 0.0f;
-    if (letter == '1')
-        return 1.0f;
     const std::size_t named = names.find(letter);
-    return input[named != names.npos ? static_cast<int>(named) : place];
+    return named != names.npos ? static_cast<int>(named) : place;
 }
 
 /// `names` are the components' letters in order. The pattern is pinned only while it is read; a parameter
@@ -48,8 +43,10 @@ int reorder(std::string_view names, T* result, miState* state, Reordering<T>& pa
     const miTag order = VHL::evaluate(state, params.order);
     VHL::Value<T> value = input;
     const VHL::PinnedText letters(order);
-    for (int place = 0; place < static_cast<int>(names.size()) && letters.get()[place] != '\0'; ++place)
-        value[place] = component(input, names, place, letters.get()[place]);
+    for (int place = 0; place < static_cast<int>(names.size()) && letters.get()[place] != '\0'; ++place) {
+        const char letter = letters.get()[place];
+        value[place] = letter == '0' ? 0.0f : letter == '1' ? 1.0f : input[sourceOf(names, place, letter)];
+    }
     *result = value;
     return 1;
 }

@@ -1,11 +1,27 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// The length of a vector, and the vector brought to length 1.
+// The length of a vector, the vector brought to length 1, and the opacity of the sample.
 
 #include "shaders/length.h"
 #include "shaders/unary.h"
 
 struct _vhVectorNormParams : VHL::Single<miVector> {};
 struct _vhNormalizeVectorParams : VHL::Single<miVector> {};
+
+struct _vhSetOpacityParams {
+    miColor input;
+    miColor opacity;
+    miBoolean multiply;
+
+    static constexpr auto fields()
+    {
+        using P = _vhSetOpacityParams;
+        return std::array{
+            VHL_FIELD(P, input, "The result."),
+            VHL_FIELD(P, opacity, "Opacity of the sample by channel: 0 lets everything behind it through.")
+                .by(1),
+            VHL_FIELD_AS(P, boolean, multiply, "On: the result is multiplied by opacity, alpha too.")};
+    }
+};
 
 struct vhVectorNorm final : VHL::dMentalRayShader<miScalar, _vhVectorNormParams, 1> {
     int execute(miScalar* result, miState* state, Params* params) override
@@ -26,9 +42,26 @@ struct vhNormalizeVector final : VHL::dMentalRayShader<miVector, _vhNormalizeVec
     }
 };
 
+struct vhSetOpacity final : VHL::dMentalRayShader<miColor, _vhSetOpacityParams, 1> {
+    int execute(miColor* result, miState* state, Params* params) override
+    {
+        const VHL::dColor input = VHL::evaluate(state, params->input);
+        const VHL::dColor opacity = VHL::evaluate(state, params->opacity);
+        const bool multiply = VHL::evaluate(state, params->multiply);
+        const miColor stored = opacity;
+        mi_opacity_set(state, &stored);
+        *result = multiply ? input * opacity : input;
+        return 1;
+    }
+};
+
 VHL_EXPORT_SHADER(vhVectorNorm_v1, vhVectorNorm,
                   "Length of the input, its squares summed in single precision, the root in double: infinite "
                   "beyond about 1.8e19, 0 below about 2.6e-23.")
 VHL_EXPORT_SHADER(vhNormalizeVector_v1, vhNormalizeVector,
                   "The input brought to length 1, the length as vhVectorNorm_v1 has it: 0 leaves the input "
                   "as it is, an infinite one gives 0 (NaN from an infinite component), NaN gives NaN.")
+VHL_EXPORT_SHADER(
+    vhSetOpacity_v1, vhSetOpacity,
+    "Sets the opacity of the sample and hands the input on, multiplied by the opacity if multiply is "
+    "on. What the opacity does is the renderer's: it counts where it composites layers itself.")

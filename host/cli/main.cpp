@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // vhrender: reads scenes, renders their pictures.
 #include "host/cli/command_line.h"
-#include "host/cli/progress.h"
+#include "host/report/progress.h"
 #include "host/language/read.h"
 #include "host/render/render.h"
 #include "host/report/message.h"

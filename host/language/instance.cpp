@@ -124,16 +124,23 @@ void InstanceBuilder::motionTransform(const Statement& matrix)
 {
     matrix.expect({0, 16});
     std::copy_n(identity, 16, record().motion_transform);
+    std::copy_n(identity, 16, instance_->motionInverse);
     instance_->hasMotion = matrix.size() == 16;
     if (instance_->hasMotion)
         matrix.matrix(record().motion_transform);
-    record().gen_motion = instance_->hasMotion ? 1 : 0;
+    if (!invert(record().motion_transform, instance_->motionInverse)) {
+        Context::warn(matrix.where, "the motion matrix of instance " + inQuotes(name_.text) +
+                                        " is singular and is ignored");
+        std::copy_n(identity, 16, record().motion_transform);
+        instance_->hasMotion = false;
+    }
+    record().gen_motion = instance_->hasMotion ? givesMotion : inheritsMotion;
 }
 
 void InstanceBuilder::motionOff()
 {
     instance_->hasMotion = false;
-    record().gen_motion = 2;
+    record().gen_motion = stopsMotion;
 }
 
 void InstanceBuilder::materials(const std::vector<Name>& names)

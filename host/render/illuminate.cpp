@@ -146,7 +146,7 @@ miBoolean traceShadow(miColor& result, miState& state)
         frame->state.parent = &state;
         frame->state.type = miRAY_SHADOW;
         frame->environment = environment;
-        setHit(*frame, ray, hit, false);
+        setHit(*frame, -ray.direction, hit, false); // light comes from the ray's end
         frame->state.dist = state.dist;
         const StateScope scope(frame->state);
         if (!callAll(World::surface(hit)->shadow, &result, frame->state) || isBlack(result))

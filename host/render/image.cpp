@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "host/render/image.h"
 
-#include "host/render/safe_file.h"
+#include "host/system/safe_file.h"
 #include "host/render/samples.h"
 #include "host/report/message.h"
 

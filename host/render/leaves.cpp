@@ -64,10 +64,51 @@ void inherit(Instance& below, const Instance& above, const Instance& own)
     below.shadowLights = shadowed.shadowLights;
     r.shadow_excl = shadowed.record.shadow_excl;
 
-    const Instance& moved = own.hasMotion ? own : above;
-    below.hasMotion = moved.hasMotion;
-    std::copy_n(moved.record.motion_transform, 16, r.motion_transform);
-    r.gen_motion = moved.record.gen_motion;
+    r.gen_motion = i.gen_motion != inheritsMotion ? i.gen_motion : p.gen_motion;
+}
+
+/// Where a path stands, between world and local space.
+struct Place {
+    Matrix toLocal = identityMatrix;
+    Matrix toWorld = identityMatrix;
+
+    /// One instance further down.
+    Place below(const miMatrix parentToLocal, const miMatrix localToParent) const
+    {
+        return {product(toLocal, widened(parentToLocal)), product(widened(localToParent), toWorld)};
+    }
+};
+
+/// The same when the shutter opens and when it closes.
+struct Places {
+    Place open, closed;
+
+    Places below(const Instance& own) const
+    {
+        const miTransform& tf = own.record.tf;
+        Places result;
+        result.open = open.below(tf.global_to_local, tf.local_to_global);
+        if (own.record.gen_motion == stopsMotion)
+            result.closed = result.open;
+        else if (own.hasMotion)
+            result.closed = closed.below(own.record.motion_transform, own.motionInverse);
+        else
+            result.closed = closed.below(tf.global_to_local, tf.local_to_global);
+        return result;
+    }
+};
+
+void place(Instance& leaf, const Places& places)
+{
+    const auto& [open, closed] = places;
+    miTransform& tf = leaf.record.tf;
+    narrow(open.toLocal, tf.global_to_local);
+    narrow(open.toWorld, tf.local_to_global);
+    tf.identity = open.toLocal == identityMatrix && open.toWorld == identityMatrix;
+    narrow(closed.toLocal, leaf.record.motion_transform);
+    narrow(closed.toWorld, leaf.motionInverse);
+    narrow(difference(closed.toWorld, open.toWorld), leaf.drift);
+    leaf.hasMotion = closed.toWorld != open.toWorld;
 }
 
 } // namespace
@@ -111,8 +152,7 @@ private:
         const Instance* scene; ///< the instance through which the path reached the group
         std::size_t next = 0;
         Instance inherited; ///< what members get from the path
-        Matrix toLocal = identityMatrix;
-        Matrix toWorld = identityMatrix;
+        Places places;
     };
 
     void visit(miTag member)
@@ -127,10 +167,9 @@ private:
         if (!item)
             return;
         const Level& above = path_.back();
-        const Matrix toLocal = product(above.toLocal, widened(scene->record.tf.global_to_local));
-        const Matrix toWorld = product(widened(scene->record.tf.local_to_global), above.toWorld);
+        const Places places = above.places.below(*scene);
         if (const auto* const group = dynamic_cast<const Group*>(item)) {
-            enter(*group, *scene, toLocal, toWorld);
+            enter(*group, *scene, places);
             return;
         }
         const miScene_types kind = item->kind;
@@ -141,14 +180,14 @@ private:
         inherit(leaf, above.inherited, *scene);
         leaf.record.parent = member;
         leaf.record.item = item->tag;
-        place(leaf, toLocal, toWorld);
+        place(leaf, places);
         if (kind == miSCENE_LIGHT)
             addLight(leaf, member);
         else
             (kind == miSCENE_OBJECT ? leaves_.objects_ : leaves_.cameras_).push_back(&leaf);
     }
 
-    void enter(const Group& group, const Instance& scene, const Matrix& toLocal, const Matrix& toWorld)
+    void enter(const Group& group, const Instance& scene, const Places& places)
     {
         for (const Level& level : path_)
             if (level.group == &group)
@@ -161,8 +200,7 @@ private:
         path_.emplace_back(&group, &scene);
         Level& level = path_.back();
         inherit(level.inherited, above, scene);
-        level.toLocal = toLocal;
-        level.toWorld = toWorld;
+        level.places = places;
     }
 
     void addLight(Instance& leaf, miTag member)
@@ -174,14 +212,6 @@ private:
         for (const Level& level : path_)
             if (level.scene)
                 leaves_.lightsBelow_[level.scene->tag].push_back(index);
-    }
-
-    static void place(Instance& leaf, const Matrix& toLocal, const Matrix& toWorld)
-    {
-        miTransform& tf = leaf.record.tf;
-        narrow(toLocal, tf.global_to_local);
-        narrow(toWorld, tf.local_to_global);
-        tf.identity = toLocal == identityMatrix && toWorld == identityMatrix;
     }
 
     Leaves& leaves_;

@@ -3,7 +3,7 @@
 
 #include "host/render/samples.h"
 #include "host/render/trace.h"
-#include "host/render/workers.h"
+#include "host/system/workers.h"
 #include "host/report/message.h"
 
 #include <algorithm>

@@ -3,7 +3,7 @@
 
 #include "host/render/check.h"
 #include "host/render/image.h"
-#include "host/render/large_stack.h"
+#include "host/system/large_stack.h"
 #include "host/render/rendering.h"
 
 #include <new>

@@ -2,8 +2,8 @@
 #include "host/render/rendering.h"
 
 #include "host/render/geometry.h"
-#include "host/render/scheduler.h"
-#include "host/render/workers.h"
+#include "host/system/scheduler.h"
+#include "host/system/workers.h"
 #include "host/shading/network.h"
 
 namespace host {

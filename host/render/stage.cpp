@@ -40,7 +40,7 @@ void warnOfMotion(const Options& options, const Leaves& leaves, const Database& 
         return;
     for (const Instance* const leaf : leaves.objects()) {
         const auto& object = static_cast<const Object&>(*database.find(leaf->record.item));
-        if (leaf->hasMotion || !object.motionIndices.empty()) {
+        if (leaf->hasMotion || (leaf->record.gen_motion != stopsMotion && !object.motionIndices.empty())) {
             message(Level::warning, "RC", "motion is passed to shaders, but moving objects are not blurred");
             return;
         }

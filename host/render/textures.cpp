@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "host/render/textures.h"
 
+#include "host/images/image_file.h"
 #include "host/report/message.h"
-
-#include <OpenImageIO/imageio.h>
 
 #include <algorithm>
 #include <bit>
@@ -31,37 +30,48 @@ miColor toColor(const float* value, int components)
 
 std::string called(const Texture& texture) { return "texture \"" + texture.name + "\": "; }
 
-TextureImage readFile(const Texture& texture, const SearchPaths& paths)
-{
-    const std::string beside = texture.where.file ? *texture.where.file : std::string();
-    const std::string file = findFile(texture.file, beside, paths.texture);
-    if (file.empty())
-        throw Error(texture.where, called(texture) + "no file \"" + texture.file + "\"");
-    const auto unreadable = [&](const std::string& reason) {
-        return Error(texture.where, called(texture) + "cannot read \"" + file + "\": " + reason);
-    };
-    // The values as they are in the file: shaders decide what alpha does to colour.
-    OIIO::ImageSpec wanted;
-    wanted.attribute("oiio:UnassociatedAlpha", 1);
-    const auto input = OIIO::ImageInput::open(file, &wanted);
-    if (!input)
-        throw unreadable(OIIO::geterror());
-    const OIIO::ImageSpec& spec = input->spec();
-    const int components = std::min(spec.nchannels, 4);
-    if (spec.width <= 0 || spec.height <= 0 || components <= 0)
-        throw unreadable("it is empty");
-    TextureImage image{spec.width, spec.height, {}};
-    std::vector<float> values(std::size_t(spec.width) * spec.height * components);
-    if (!input->read_image(0, 0, 0, components, OIIO::TypeDesc::FLOAT, values.data()))
-        throw unreadable(input->geterror());
-    image.pixels.resize(std::size_t(image.width) * image.height);
-    for (int y = 0; y < image.height; ++y)
-        for (int x = 0; x < image.width; ++x) {
-            const std::size_t from = std::size_t(image.height - 1 - y) * image.width + x;
-            image.pixels[std::size_t(y) * image.width + x] = toColor(&values[from * components], components);
+/// An image file, of which the texture system keeps the parts that are in use.
+class FileImage final : public TextureImage {
+public:
+    FileImage(const Texture& texture, const std::string& file, OIIO::TextureSystem& system)
+        : texture_(texture), file_(file), system_(system)
+    {
+        try {
+            components_ = std::min(checkImageFile(file).nchannels, 4);
+        } catch (const Error& error) {
+            throw Error(texture.where, called(texture) + error.what());
         }
-    return image;
-}
+        handle_ = system.get_texture_handle(OIIO::ustring(file));
+        if (!handle_ || !system.good(handle_))
+            throw unreadable(system.geterror());
+    }
+
+private:
+    miColor at(float x, float y) const override
+    {
+        OIIO::TextureOpt options;
+        options.swrap = options.twrap = OIIO::TextureOpt::WrapClamp;
+        options.mipmode = OIIO::TextureOpt::MipModeNoMIP;
+        options.interpmode = OIIO::TextureOpt::InterpBilinear;
+        float value[4];
+        // Files count rows from the top.
+        if (!system_.texture(handle_, system_.get_perthread_info(), options, x, 1.0f - y, 0.0f, 0.0f, 0.0f,
+                             0.0f, components_, value))
+            throw unreadable(system_.geterror());
+        return toColor(value, components_);
+    }
+
+    Error unreadable(const std::string& reason) const
+    {
+        return Error(texture_.where, called(texture_) + "cannot read \"" + file_ + "\": " + reason);
+    }
+
+    const Texture& texture_;
+    std::string file_;
+    OIIO::TextureSystem& system_;
+    OIIO::TextureSystem::TextureHandle* handle_ = nullptr;
+    int components_ = 0;
+};
 
 /// One component of 1, 2 or 4 bytes, the high byte first: a fraction of the largest number, or a float.
 float component(const unsigned char* bytes, int depth)
@@ -74,34 +84,53 @@ float component(const unsigned char* bytes, int depth)
                                 std::uint32_t(bytes[2]) << 8 | bytes[3]);
 }
 
-TextureImage readBytes(const Texture& texture)
-{
-    if (texture.width <= 0 || texture.height <= 0 ||
-        (texture.depth != 1 && texture.depth != 2 && texture.depth != 4))
-        throw Error(texture.where,
-                    called(texture) + "sizes must be positive, and a component 1, 2 or 4 bytes");
-    const std::size_t pixels = std::size_t(texture.width) * std::size_t(texture.height);
-    const std::size_t size = pixels * std::size_t(texture.depth);
-    const std::size_t components = texture.bytes.size() / size;
-    if (components < 1 || components > 4 || texture.bytes.size() % size != 0)
-        throw Error(texture.where, called(texture) + std::to_string(texture.bytes.size()) +
-                                       " bytes do not make " + std::to_string(texture.width) + " by " +
-                                       std::to_string(texture.height) + " pixels of 1 to 4 components");
-    TextureImage image{texture.width, texture.height, std::vector<miColor>(pixels)};
-    const unsigned char* next = texture.bytes.data();
-    for (miColor& pixel : image.pixels) {
-        float values[4];
-        for (std::size_t i = 0; i < components; ++i, next += texture.depth)
-            values[i] = component(next, texture.depth);
-        pixel = toColor(values, int(components));
-    }
-    return image;
-}
-
 miColor mix(const miColor& a, const miColor& b, float t)
 {
     return {a.r + t * (b.r - a.r), a.g + t * (b.g - a.g), a.b + t * (b.b - a.b), a.a + t * (b.a - a.a)};
 }
+
+/// Pixels given in the scene, lowest row first.
+class BytesImage final : public TextureImage {
+public:
+    explicit BytesImage(const Texture& texture) : width_(texture.width), height_(texture.height)
+    {
+        if (texture.width <= 0 || texture.height <= 0 ||
+            (texture.depth != 1 && texture.depth != 2 && texture.depth != 4))
+            throw Error(texture.where,
+                        called(texture) + "sizes must be positive, and a component 1, 2 or 4 bytes");
+        const std::size_t pixels = std::size_t(texture.width) * std::size_t(texture.height);
+        const std::size_t size = pixels * std::size_t(texture.depth);
+        const std::size_t components = texture.bytes.size() / size;
+        if (components < 1 || components > 4 || texture.bytes.size() % size != 0)
+            throw Error(texture.where, called(texture) + std::to_string(texture.bytes.size()) +
+                                           " bytes do not make " + std::to_string(texture.width) + " by " +
+                                           std::to_string(texture.height) + " pixels of 1 to 4 components");
+        pixels_.resize(pixels);
+        const unsigned char* next = texture.bytes.data();
+        for (miColor& pixel : pixels_) {
+            float values[4];
+            for (std::size_t i = 0; i < components; ++i, next += texture.depth)
+                values[i] = component(next, texture.depth);
+            pixel = toColor(values, int(components));
+        }
+    }
+
+private:
+    miColor at(float x, float y) const override
+    {
+        const double u = double(x) * width_ - 0.5, v = double(y) * height_ - 0.5;
+        const int i = int(std::floor(u)), j = int(std::floor(v));
+        const int i0 = std::max(i, 0), i1 = std::min(i + 1, width_ - 1);
+        const int j0 = std::max(j, 0), j1 = std::min(j + 1, height_ - 1);
+        const auto pixel = [&](int column, int row) { return pixels_[std::size_t(row) * width_ + column]; };
+        const float s = float(u - i), t = float(v - j);
+        return mix(mix(pixel(i0, j0), pixel(i1, j0), s), mix(pixel(i0, j1), pixel(i1, j1), s), t);
+    }
+
+    int width_;
+    int height_;
+    std::vector<miColor> pixels_;
+};
 
 } // namespace
 
@@ -111,21 +140,31 @@ bool TextureImage::lookup(float x, float y, miColor& result) const
     // Written so that a NaN is outside.
     if (!(x >= 0.0f && x < 1.0f && y >= 0.0f && y < 1.0f))
         return false;
-    const double u = double(x) * width - 0.5, v = double(y) * height - 0.5;
-    const int i = int(std::floor(u)), j = int(std::floor(v));
-    const int i0 = std::max(i, 0), i1 = std::min(i + 1, width - 1);
-    const int j0 = std::max(j, 0), j1 = std::min(j + 1, height - 1);
-    const auto pixel = [&](int column, int row) { return pixels[std::size_t(row) * width + column]; };
-    const float s = float(u - i), t = float(v - j);
-    result = mix(mix(pixel(i0, j0), pixel(i1, j0), s), mix(pixel(i0, j1), pixel(i1, j1), s), t);
+    result = at(x, y);
     return true;
 }
 
-TextureImage readTexture(const Texture& texture, const SearchPaths& paths)
+TextureFiles::TextureFiles()
+    : system_(OIIO::TextureSystem::create(false),
+              [](OIIO::TextureSystem* system) { OIIO::TextureSystem::destroy(system); })
+{
+    system_->attribute("max_memory_MB", 1024.0f);
+    system_->attribute("autotile", 64); // of files without tiles, so that they too are kept in parts
+    // The values as they are in the file: shaders decide what alpha does to colour.
+    system_->attribute("unassociatedalpha", 1);
+}
+
+std::unique_ptr<TextureImage> TextureFiles::open(const Texture& texture, const SearchPaths& paths)
 {
     if (!texture.procedural.empty())
         throw Error(texture.where, called(texture) + "procedural textures are not supported");
-    return texture.bytes.empty() ? readFile(texture, paths) : readBytes(texture);
+    if (!texture.bytes.empty())
+        return std::make_unique<BytesImage>(texture);
+    const std::string beside = texture.where.file ? *texture.where.file : std::string();
+    const std::string file = findFile(texture.file, beside, paths.texture);
+    if (file.empty())
+        throw Error(texture.where, called(texture) + "no file \"" + texture.file + "\"");
+    return std::make_unique<FileImage>(texture, file, *system_);
 }
 
 Textures::Textures(const Database& database, const SearchPaths& paths)
@@ -138,7 +177,7 @@ void Textures::load(miTag tag)
     const auto* const texture = database_.findAs<Texture>(tag);
     if (!texture || images_[tag])
         return;
-    images_[tag] = &loaded_.emplace_back(readTexture(*texture, paths_));
+    images_[tag] = loaded_.emplace_back(files_.open(*texture, paths_)).get();
 }
 
 const TextureImage* Textures::image(miTag tag) const
@@ -160,9 +199,9 @@ const TextureImage* Textures::loadNow(miTag tag) const
     if (const TextureImage* const image = images_[tag].load(std::memory_order_relaxed))
         return image;
     try {
-        const TextureImage& image = loaded_.emplace_back(readTexture(*texture, paths_));
-        images_[tag].store(&image, std::memory_order_release);
-        return &image;
+        const TextureImage* const image = loaded_.emplace_back(files_.open(*texture, paths_)).get();
+        images_[tag].store(image, std::memory_order_release);
+        return image;
     } catch (const Error& error) {
         failed_.insert(tag);
         message(Level::error, "IMG", error.what());

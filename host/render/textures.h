@@ -5,38 +5,56 @@
 #include "host/scene/database.h"
 #include "host/scene/search.h"
 
+#include <OpenImageIO/texture.h>
+
 #include <atomic>
-#include <deque>
+#include <memory>
 #include <mutex>
 #include <set>
 #include <vector>
 
 namespace host {
 
-/// A texture's pixels, lowest row first. Images without alpha have alpha 1, grey images equal channels; 8-bit
-/// values are value / 255.
-struct TextureImage {
-    int width = 0;
-    int height = 0;
-    std::vector<miColor> pixels;
+/// A texture that colours can be looked up in. Safe from any thread.
+class TextureImage {
+public:
+    TextureImage() = default;
+    virtual ~TextureImage() = default;
+    TextureImage(const TextureImage&) = delete;
+    TextureImage& operator=(const TextureImage&) = delete;
 
     /// Bilinear between texel centres at (i + 0.5) / size, clamped at the border. (0, 0) is the lower left
-    /// corner; outside [0, 1) there is nothing, and the result is false.
+    /// corner; outside [0, 1) there is nothing, and the result is false. Images without alpha have alpha 1,
+    /// grey images equal channels; 8-bit values are value / 255. Throws Error when the file turns out to be
+    /// broken.
     bool lookup(float x, float y, miColor& result) const;
+
+private:
+    virtual miColor at(float x, float y) const = 0;
 };
 
-/// Reads an image file, or the bytes of a texture given in the scene. Throws Error, with the texture's place.
-TextureImage readTexture(const Texture& texture, const SearchPaths& paths);
+/// Reads parts of image files when they are asked for, and forgets the oldest beyond 1 GiB.
+class TextureFiles {
+public:
+    TextureFiles();
 
-/// The textures of one rendering; loaded once each. Safe from any thread.
+    /// An image file, or the bytes of a texture given in the scene. Throws Error, with the texture's place.
+    /// The image is good as long as this lives.
+    std::unique_ptr<TextureImage> open(const Texture& texture, const SearchPaths& paths);
+
+private:
+    std::unique_ptr<OIIO::TextureSystem, void (*)(OIIO::TextureSystem*)> system_;
+};
+
+/// The textures of one rendering; opened once each. Safe from any thread.
 class Textures {
 public:
     Textures(const Database& database, const SearchPaths& paths);
 
-    /// Loads a texture before rendering. Throws Error when that fails.
+    /// Opens a texture before rendering. Throws Error when that fails.
     void load(miTag texture);
 
-    /// The image of a texture, loaded now if it was not; null for what is no texture, and for one that cannot
+    /// The image of a texture, opened now if it was not; null for what is no texture, and for one that cannot
     /// be read, after one error message.
     const TextureImage* image(miTag texture) const;
 
@@ -47,7 +65,8 @@ private:
     const SearchPaths& paths_;
     mutable std::vector<std::atomic<const TextureImage*>> images_; // by tag
     mutable std::mutex lock_;                                      // guards what follows
-    mutable std::deque<TextureImage> loaded_;
+    mutable TextureFiles files_;
+    mutable std::vector<std::unique_ptr<TextureImage>> loaded_;
     mutable std::set<miTag> failed_;
 };
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "host/render/thread.h"
 
-#include "host/render/large_stack.h"
+#include "host/system/large_stack.h"
 
 #include <cstddef>
 #include <string>
@@ -10,9 +10,14 @@ namespace host {
 
 RenderThread& RenderThread::of(const miState& state)
 {
-    if (!state.ts || !state.ts->render)
-        throw Error("a shader asked for rays, lights or textures before rendering began");
-    return *static_cast<RenderThread*>(state.ts->render);
+    if (RenderThread* const thread = find(state))
+        return *thread;
+    throw Error("a shader asked for rays, lights or textures before rendering began");
+}
+
+RenderThread* RenderThread::find(const miState& state)
+{
+    return state.ts ? static_cast<RenderThread*>(state.ts->render) : nullptr;
 }
 
 FrameScope::FrameScope(RenderThread& thread) : thread_(thread), frame_(enter(thread)) {}

@@ -49,6 +49,9 @@ public:
     /// have no rays.
     static RenderThread& of(const miState& state);
 
+    /// The same; none when nothing is being rendered.
+    static RenderThread* find(const miState& state);
+
     /// The frame of the innermost ray.
     Frame& top() { return *frames_[depth_ - 1]; }
 

@@ -25,6 +25,8 @@ void clearHit(miState& state)
     state.material = miNULLTAG;
     state.label = 0;
     state.inv_normal = miFALSE;
+    state.face = '\0';
+    state.shadow_tol = 0.0;
     state.tex_list = nullptr;
     state.point = state.normal = state.normal_geom = state.motion = state.tex = {0.0f, 0.0f, 0.0f};
     state.dot_nd = 0.0f;
@@ -65,7 +67,7 @@ miBoolean shade(RenderThread& thread, Frame& frame, const Ray& ray, miColor& res
     if (isNull(ray.direction) || !isFinite(ray.direction) || !isFinite(ray.origin) ||
         !thread.stage.world.nearest(ray, hit))
         return callEnvironment(thread, frame, result);
-    setHit(frame, ray, hit, true);
+    setHit(frame, ray.direction, hit, true);
     const Surface& surface = *World::surface(hit);
     if (!surface.environment.empty()) {
         frame.state.environment = surface.environment.front()->tag;
@@ -157,6 +159,16 @@ PixelFacts facts(const CameraRays& rays, const miState& state)
     return result;
 }
 
+/// How far a place on a surface moves while the shutter is open: with the object's motion vectors, and with
+/// the instances above it.
+miVector motionOf(const Instance& leaf, const SurfacePoint& place)
+{
+    if (leaf.record.gen_motion == stopsMotion)
+        return {0.0f, 0.0f, 0.0f};
+    return transformVector(place.motion, leaf.record.tf.local_to_global) +
+           transformPoint(place.point + place.motion, leaf.drift);
+}
+
 /// True when the state's surface may cast such rays, and its levels allow one more.
 bool mayCast(const RenderThread& thread, const miState& state, miRay_type type)
 {
@@ -182,7 +194,7 @@ double startDistance(const miVector& point)
     return roundings * std::max({std::abs(point.x), std::abs(point.y), std::abs(point.z)});
 }
 
-void setHit(Frame& frame, const Ray& ray, const Hit& hit, bool flip)
+void setHit(Frame& frame, const miVector& direction, const Hit& hit, bool flip)
 {
     miState& state = frame.state;
     const Body& body = *hit.body;
@@ -192,15 +204,15 @@ void setHit(Frame& frame, const Ray& ray, const Hit& hit, bool flip)
     state.point = transformPoint(place.point, tf.local_to_global);
     state.normal = normalised(transformNormal(place.normal, tf.global_to_local));
     state.normal_geom = normalised(transformNormal(place.geometric, tf.global_to_local));
-    state.motion = transformVector(place.motion, tf.local_to_global);
-    const bool back = dot(state.normal_geom, ray.direction) > 0.0;
+    state.motion = motionOf(*body.leaf, place);
+    const bool back = dot(state.normal_geom, direction) > 0.0;
     state.inv_normal = flip && back;
     if (state.inv_normal) {
         state.normal = -state.normal;
         state.normal_geom = -state.normal_geom;
     }
     state.face = back ? 'b' : 'f';
-    state.dot_nd = float(dot(state.normal, ray.direction));
+    state.dot_nd = float(dot(state.normal, direction));
     state.dist = hit.distance;
     const float weights[] = {1.0f - hit.u - hit.v, hit.u, hit.v, 0.0f};
     std::copy(std::begin(weights), std::end(weights), state.bary);
@@ -328,8 +340,9 @@ miBoolean traceEnvironment(miColor& result, miState& state, const miVector& dire
 
 void setOpacity(miState& state, const miColor& opacity)
 {
-    if (state.type != miRAY_LIGHT && state.type != miRAY_SHADOW && state.type != miRAY_ENVIRONMENT)
-        RenderThread::of(state).top().opacity = opacity;
+    RenderThread* const thread = RenderThread::find(state);
+    if (thread && state.type != miRAY_LIGHT && state.type != miRAY_SHADOW && state.type != miRAY_ENVIRONMENT)
+        thread->top().opacity = opacity;
 }
 
 } // namespace host

@@ -40,11 +40,13 @@ miBoolean sampleLight(miColor& result, miVector* direction, float* cosine, miSta
 /// The leaf lights that the tags stand for, or all others; the list lives as long as the innermost ray.
 const std::vector<miTag>& lightList(miState& state, const miTag* tags, int count, bool exclusive);
 
-/// The opacity of the state's sample: the last one set counts.
+/// The opacity of the state's sample: the last one set counts. Without a sample, in networks that run before
+/// rendering, it has no meaning and is left out.
 void setOpacity(miState& state, const miColor& opacity);
 
-/// Fills the state's hit fields. With `flip`, normals are turned against the ray.
-void setHit(Frame& frame, const Ray& ray, const Hit& hit, bool flip);
+/// Fills the state's hit fields for what arrives at the hit in this direction. With `flip`, normals are
+/// turned against it.
+void setHit(Frame& frame, const miVector& direction, const Hit& hit, bool flip);
 
 /// How far rays that start at a surface keep off it: a few roundings of its coordinates.
 double startDistance(const miVector& point);

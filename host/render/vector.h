@@ -87,6 +87,14 @@ inline Matrix product(const Matrix& a, const Matrix& b)
     return result;
 }
 
+inline Matrix difference(const Matrix& a, const Matrix& b)
+{
+    Matrix result;
+    for (int i = 0; i < 16; ++i)
+        result[i] = a[i] - b[i];
+    return result;
+}
+
 inline Matrix widened(const miMatrix m)
 {
     Matrix result;

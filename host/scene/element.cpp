@@ -86,6 +86,7 @@ Instance::Instance() : Element(miSCENE_INSTANCE)
     setIdentity(record.tf.global_to_local);
     setIdentity(record.tf.local_to_global);
     setIdentity(record.motion_transform);
+    setIdentity(motionInverse);
     record.tf.identity = miTRUE;
 }
 

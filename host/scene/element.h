@@ -173,6 +173,9 @@ struct Object : Element {
     std::vector<std::uint32_t> loopVertices; ///< in `vertices`
 };
 
+/// What an instance says of its motion, in record.gen_motion.
+inline constexpr miUint1 inheritsMotion = 0, givesMotion = 1, stopsMotion = 2;
+
 /// `instance`, and the leaf instances that the renderer derives from the scene graph. Flags that were not
 /// given are 0 in the record ("unset"), see miInstance. `record.tf` holds both matrices of the instance
 /// itself.
@@ -181,7 +184,9 @@ struct Instance : Element {
     void* data() override { return &record; }
 
     miInstance record{};
-    bool hasMotion = false; ///< motion_transform was given
+    bool hasMotion = false; ///< record.motion_transform was given; of a leaf: that it moves
+    miMatrix motionInverse; ///< of record.motion_transform, as tf.local_to_global is of tf.global_to_local
+    miMatrix drift{};       ///< of a leaf: what its local_to_global gains while the shutter is open
     ShaderList geometry;    ///< geometry shaders in place of an item
     std::vector<miTag> materials;
     std::vector<miTag> lights; ///< `light [...]`, with record.exclusive

@@ -83,6 +83,50 @@ const char* mi_api_tag_lookup(miTag tag)
     return renderer.lookUp(tag);
 }
 
+void mi_opacity_set(miState*, miColor const* const opacity)
+{
+    BareRenderer& renderer = BareRenderer::get();
+    renderer.calls.emplace_back("mi_opacity_set");
+    renderer.opacity = *opacity;
+}
+
+miBoolean mi_trace_eye(miColor* result, miState* state, miVector* origin, miVector* direction)
+{
+    BareRenderer& renderer = BareRenderer::get();
+    renderer.calls.emplace_back("mi_trace_eye");
+    const miVector from = *origin, towards = *direction;
+    state->org = from;
+    state->dir = towards;
+    return renderer.traceEye(result, from, towards);
+}
+
+miBoolean mi_lookup_color_texture(miColor* const result, miState* const, const miTag texture,
+                                  miVector* const coord)
+{
+    BareRenderer& renderer = BareRenderer::get();
+    renderer.calls.emplace_back("mi_lookup_color_texture");
+    return renderer.lookUpTexture(result, texture, *coord);
+}
+
+/// A row vector times rows that are so many numbers apart.
+static miVector product(const miVector& v, const float* m, int stride)
+{
+    const auto column = [&](int i) { return v.x * m[i] + v.y * m[stride + i] + v.z * m[2 * stride + i]; };
+    return {column(0), column(1), column(2)};
+}
+
+void mi_vector_transform(miVector* const result, miVector const* const v, miMatrix const m)
+{
+    BareRenderer::get().calls.emplace_back("mi_vector_transform");
+    *result = product(*v, m, 4);
+}
+
+void mi_vector_to_world(const miState*, miVector* result, const miVector* v)
+{
+    BareRenderer::get().calls.emplace_back("mi_vector_to_world");
+    *result = product(*v, BareRenderer::get().toWorld, 3);
+}
+
 static void print(const char* function, const char* format, va_list arguments)
 {
     char text[20'000];

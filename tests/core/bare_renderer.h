@@ -28,6 +28,16 @@ struct BareRenderer {
     std::function<void*(void*)> evaluate; ///< what a connected parameter leads to
     std::map<miTag, int> pins;            ///< accesses less unpins
     std::vector<std::string> messages;    ///< printed, in order
+    miColor opacity{};                    ///< set last
+
+    /// What is seen from a point in a direction; nothing when the test says nothing else.
+    std::function<miBoolean(miColor*, const miVector&, const miVector&)> traceEye =
+        [](miColor*, const miVector&, const miVector&) { return miFALSE; };
+    /// What a texture has at a coordinate.
+    std::function<miBoolean(miColor*, miTag, const miVector&)> lookUpTexture =
+        [](miColor*, miTag, const miVector&) { return miFALSE; };
+    /// The matrix from the state's space to the world, for vectors: three rows.
+    float toWorld[9] = {1, 0, 0, 0, 1, 0, 0, 0, 1};
 
     /// The data behind a tag; zeros when the test says nothing else, which is an empty text too.
     std::function<void*(miTag)> access = [](miTag) {

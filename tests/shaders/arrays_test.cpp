@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// Shaders with arrays and messages, seen by the least renderer: every call they make of it, what they print
-// to the byte, and arrays laid out in ways that a host does not happen to choose.
+// Shaders with arrays, names and messages, seen by the least renderer: every call they make of it, what they
+// print to the byte, and arrays laid out in ways that a host does not happen to choose.
 #include "entry_points.h"
 #include "tests/core/bare_renderer.h"
 
@@ -23,8 +23,8 @@ public:
     {
         renderer.reset();
         renderer.access = [this](miTag tag) -> void* {
-            if (tag == leafTag)
-                return &leaf_;
+            if (tag == leafTag || tag == miNULLTAG)
+                return tag == leafTag ? &leaf_ : &nothing_;
             return tag > 0 && tag <= texts_.size() ? texts_[tag - 1].data() : nullptr;
         };
         renderer.lookUp = [this](miTag tag) {
@@ -53,6 +53,17 @@ public:
     }
 
     void connect(int byte) { block_.connect(at<int>(byte)); }
+
+    /// Connects parameters and notes, from now on, at which bytes any are evaluated.
+    void watch(const std::vector<int>& bytes)
+    {
+        for (const int byte : bytes)
+            connect(byte);
+        renderer.evaluate = [this](void* parameter) {
+            evaluated.push_back(static_cast<int>(static_cast<char*>(parameter) - &at<char>(0)));
+            return parameter;
+        };
+    }
 
     miTag text(const std::string& text)
     {
@@ -95,6 +106,7 @@ public:
     }
 
     BareRenderer& renderer = BareRenderer::get();
+    std::vector<int> evaluated;
 
     static constexpr miTag leafTag = 1000, parentTag = 1001;
 
@@ -106,6 +118,7 @@ private:
     EntryPoints shader_;
     Block<AnyParams> block_;
     miInstance leaf_{};
+    miInstance nothing_{};
     std::vector<std::string> texts_;
     bool hasName_ = true;
     std::string parentName_;
@@ -244,8 +257,7 @@ TEST(Arrays, CountsOfNoneOrLessAreEmpty)
 TEST(Arrays, MayBeginAnywhere)
 {
     const Library library;
-    for (const auto& [nameStart, valueStart] :
-         {std::pair(20, 8), {-40, 8}, {20, -8}, {-200, -8}, {60, 4}}) {
+    for (const auto& [nameStart, valueStart] : {std::pair(20, 8), {-40, 8}, {20, -8}, {-200, -8}, {60, 4}}) {
         SCOPED_TRACE(nameStart);
         Arena arena(library, "vhSwitchColor_v1");
         arena.array(names, nameStart, arena.texts({"a", "b", "c"}));
@@ -256,6 +268,15 @@ TEST(Arrays, MayBeginAnywhere)
         arena.execute(color);
         EXPECT_EQ(color, green);
         arena.exit();
+
+        Arena matches(library, "vhSwitchColor_v4");
+        matches.array(16, nameStart, matches.texts({"a", "b", "^c"}));
+        matches.array(28, valueStart, std::vector{red, green, blue});
+        matches.shade("cab");
+        matches.init();
+        EXPECT_EQ(matches.execute(color), 1);
+        EXPECT_EQ(color, blue);
+        matches.exit();
 
         Arena selects(library, "vhSelectColor_v1");
         selects.at<float>(0) = 2;
@@ -293,39 +314,27 @@ TEST(Arrays, StartsAndCountsAreEvaluatedInOrderAndOnce)
     Arena arena(library, "vhSwitchScalar_v1");
     arena.array(names, 40, arena.texts({"a", "b"}));
     arena.array(values, 6, std::vector<float>{1, 2});
-    for (const int byte :
-         {names, names + 4, names + 8, values, values + 4, values + 8 + 6 * 4, values + 8 + 7 * 4})
-        arena.connect(byte);
-    std::vector<int> evaluated;
-    arena.renderer.evaluate = [&](void* parameter) {
-        evaluated.push_back(static_cast<int>(static_cast<char*>(parameter) - &arena.at<char>(0)));
-        return parameter;
-    };
+    const std::vector<int> order = {names,      names + 4,          names + 8,         values,
+                                    values + 4, values + 8 + 6 * 4, values + 8 + 7 * 4};
+    arena.watch(order);
     arena.init();
-    EXPECT_EQ(evaluated, (std::vector<int>{names, names + 4, names + 8, values, values + 4,
-                                           values + 8 + 6 * 4, values + 8 + 7 * 4}));
-    evaluated.clear();
+    EXPECT_EQ(arena.evaluated, order);
+    arena.evaluated.clear();
     arena.shade("b");
     float result = 0;
     arena.execute(result);
     EXPECT_EQ(result, 2);
-    EXPECT_EQ(evaluated, std::vector<int>{values + 8 + 7 * 4});
+    EXPECT_EQ(arena.evaluated, std::vector<int>{values + 8 + 7 * 4});
     arena.exit();
 
     Arena selects(library, "vhSelectScalar_v1");
     selects.array(4, 3, std::vector<float>{1, 2});
-    for (const int byte : {0, 4, 8, 12 + 3 * 4})
-        selects.connect(byte);
-    evaluated.clear();
-    selects.renderer.evaluate = [&](void* parameter) {
-        evaluated.push_back(static_cast<int>(static_cast<char*>(parameter) - &selects.at<char>(0)));
-        return parameter;
-    };
+    selects.watch({0, 4, 8, 12 + 3 * 4});
     selects.init();
-    EXPECT_EQ(evaluated, (std::vector<int>{4, 8})) << "the slot is an address only";
-    evaluated.clear();
+    EXPECT_EQ(selects.evaluated, (std::vector<int>{4, 8})) << "the slot is an address only";
+    selects.evaluated.clear();
     selects.execute(result);
-    EXPECT_EQ(evaluated, (std::vector<int>{0, 12 + 3 * 4}));
+    EXPECT_EQ(selects.evaluated, (std::vector<int>{0, 12 + 3 * 4}));
     selects.exit();
 }
 
@@ -428,6 +437,147 @@ TEST(Arrays, NamesAndLabelsAreCopies)
     debug.execute(result);
     EXPECT_EQ(debug.renderer.messages, Strings{"vhDebugScalar : label - 0.500\n"});
     debug.exit();
+}
+
+TEST(Arrays, WithoutAShadedInstanceTheNameIsEmptyAndNothingIsUnpinned)
+{
+    const Library library;
+    Arena arena(library, "vhSwitchScalar_v1");
+    arena.array(names, 40, arena.texts({"a", ""}));
+    arena.array(values, 4, std::vector<float>{1, 2});
+    arena.init();
+    arena.shadeNothing();
+    arena.renderer.calls.clear();
+    float result = 0;
+    EXPECT_EQ(arena.execute(result), 1);
+    EXPECT_EQ(result, 2);
+    EXPECT_EQ(calls(arena.renderer), (Strings{"mi_db_access", "mi_api_tag_lookup", "mi_api_tag_lookup"}));
+    arena.exit();
+}
+
+// ---- the pattern switch: defaultColor, patterns, values
+
+TEST(PatternArrays, StartsAndCountsAreEvaluatedInOrderAndOnce)
+{
+    const Library library;
+    Arena arena(library, "vhSwitchColor_v4");
+    constexpr int defaultColor = 0, patterns = 16, colors = 28;
+    constexpr int firstColor = colors + 8 + 6 * 16, secondColor = firstColor + 16;
+    arena.array(patterns, 60, arena.texts({"a", "b"}));
+    arena.array(colors, 6, std::vector{red, green});
+    const std::vector<int> order = {patterns,   patterns + 4, patterns + 8, colors,
+                                    colors + 4, firstColor,   secondColor};
+    arena.watch(order);
+    arena.connect(defaultColor);
+    arena.init();
+    EXPECT_EQ(arena.evaluated, order);
+    for (const char* const name : {"b", "a", "c"}) {
+        arena.evaluated.clear();
+        arena.shade(name);
+        Color result{};
+        arena.execute(result);
+        EXPECT_EQ(arena.evaluated, std::vector<int>{secondColor}) << "the leaf is known by its first name";
+        EXPECT_EQ(result, green);
+    }
+    arena.exit();
+}
+
+TEST(PatternArrays, PatternsArePinnedWhileTheyAreCompiledAndAgainWhileTheyArePrinted)
+{
+    const Library library;
+    Arena arena(library, "vhSwitchColor_v4");
+    constexpr int patterns = 16, colors = 28;
+    arena.array(patterns, 60, arena.texts({"%d*", "B?"}));
+    arena.array(colors, 6, std::vector{red, green});
+    arena.init();
+    EXPECT_EQ(calls(arena.renderer), (Strings{"mi_db_access", "mi_db_unpin", "mi_db_access", "mi_db_unpin",
+                                              "mi_info", "mi_db_access", "mi_info", "mi_db_unpin",
+                                              "mi_db_access", "mi_info", "mi_db_unpin", "mi_info"}));
+    EXPECT_EQ(
+        arena.renderer.messages,
+        (Strings{"vhSwitchColor_v4 pattern / value pairs - begin\n", "vhSwitchColor_v4 pattern 0 : %d*\n",
+                 "vhSwitchColor_v4 pattern 1 : B?\n", "vhSwitchColor_v4 pattern / value pairs - end\n"}));
+
+    arena.renderer.calls.clear();
+    arena.renderer.messages.clear();
+    arena.spoilTexts(); // what is printed later are copies
+    arena.shade("%s bx");
+    Color result{};
+    for (int sample = 0; sample < 2; ++sample) {
+        EXPECT_EQ(arena.execute(result), 1);
+        EXPECT_EQ(result, green);
+    }
+    const Strings naming = {"mi_db_access", "mi_api_tag_lookup", "mi_api_tag_lookup"};
+    Strings expected = naming;
+    expected.insert(expected.end(), {"mi_info", "mi_db_unpin"});
+    expected.insert(expected.end(), naming.begin(), naming.end());
+    expected.emplace_back("mi_db_unpin");
+    EXPECT_EQ(calls(arena.renderer), expected) << "named at every sample, decided and told at the first";
+    arena.exit();
+    EXPECT_EQ(arena.renderer.messages, (Strings{"vhSwitchColor_v4 - matched object %s bx to pattern B?\n",
+                                                "vhSwitchColor_v4 - evaluated 2 times, 1 matches\n"}));
+    for (const auto& [tag, pins] : arena.renderer.pins)
+        EXPECT_EQ(pins, 0) << tag;
+}
+
+// ---- the object test: objectName
+
+TEST(ObjectName, IsReadInInitAndAnInstanceIsNamedAtItsFirstSample)
+{
+    const Library library;
+    Arena arena(library, "vhIsObject_v1");
+    arena.at<miTag>(0) = arena.text("A Name");
+    arena.connect(0);
+    arena.renderer.evaluate = [](void* parameter) { return parameter; };
+    arena.init();
+    EXPECT_EQ(calls(arena.renderer), (Strings{"mi_phen_eval", "mi_db_access", "mi_db_unpin"}));
+    arena.renderer.calls.clear();
+    arena.spoilTexts();
+    arena.shade("a nAME");
+    for (int sample = 0; sample < 3; ++sample) {
+        int result = -1;
+        EXPECT_EQ(arena.execute(result), 1);
+        EXPECT_EQ(result, 1);
+    }
+    EXPECT_EQ(calls(arena.renderer),
+              (Strings{"mi_db_access", "mi_api_tag_lookup", "mi_api_tag_lookup", "mi_db_unpin"}));
+    for (const auto& [tag, pins] : arena.renderer.pins)
+        EXPECT_EQ(pins, 0) << tag;
+    arena.exit();
+    EXPECT_EQ(arena.renderer.messages, Strings());
+}
+
+TEST(ObjectName, ThatCannotBeEvaluatedIsTheEmptyOne)
+{
+    const Library library;
+    for (const auto& [name, expected] : {std::pair("", 1), {"a", 0}}) {
+        Arena arena(library, "vhIsObject_v1");
+        arena.at<miTag>(0) = arena.text("a");
+        arena.connect(0);
+        arena.renderer.evaluate = [](void*) -> void* { return nullptr; };
+        arena.init();
+        EXPECT_EQ(calls(arena.renderer), Strings{"mi_phen_eval"}) << "no text is looked for";
+        arena.shade(name);
+        int result = -1;
+        EXPECT_EQ(arena.execute(result), 1);
+        EXPECT_EQ(result, expected);
+        arena.exit();
+    }
+}
+
+TEST(ObjectName, WithoutAShadedInstanceNothingIsUnpinned)
+{
+    const Library library;
+    Arena arena(library, "vhIsObject_v1");
+    arena.at<miTag>(0) = arena.text("a");
+    arena.init();
+    arena.shadeNothing();
+    arena.renderer.calls.clear();
+    int result = -1;
+    EXPECT_EQ(arena.execute(result), 1);
+    EXPECT_EQ(result, 0);
+    EXPECT_EQ(calls(arena.renderer), (Strings{"mi_db_access", "mi_api_tag_lookup", "mi_api_tag_lookup"}));
+    arena.exit();
 }
 
 // ---- debug: input, enable, name, useLimit, limit

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Reorder: every pattern of four letters against the rule restated, and its edges.
+#include "expect.h"
 #include "tests/harness/call.h"
 #include "tests/harness/messages.h"
 
@@ -113,14 +114,6 @@ TYPED_TEST(Reorder, TakesThePatternOfAnotherShader)
 miColor color(const char* pattern, const miColor& input)
 {
     return Call("vhReorderColor_v1").set("input", input).set("order", pattern).run<miColor>();
-}
-
-void expectColor(const miColor& result, const miColor& expected)
-{
-    EXPECT_EQ(result.r, expected.r);
-    EXPECT_EQ(result.g, expected.g);
-    EXPECT_EQ(result.b, expected.b);
-    EXPECT_EQ(result.a, expected.a);
 }
 
 constexpr miColor input = {0.1f, 0.2f, 0.3f, 0.4f};

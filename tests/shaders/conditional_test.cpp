@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // If, then, else: which branch is taken, that it comes out unchanged, and that the other one is left alone.
+#include "expect.h"
 #include "tests/core/floats.h"
 #include "tests/harness/call.h"
 
@@ -23,14 +24,6 @@ miColor choose(bool condition)
         .set("ifTrue", miColor{1, 2, 3, 0.25f})
         .set("ifFalse", miColor{10, 20, 30, 7})
         .run<miColor>();
-}
-
-void expectColor(const miColor& result, const miColor& expected)
-{
-    EXPECT_EQ(result.r, expected.r);
-    EXPECT_EQ(result.g, expected.g);
-    EXPECT_EQ(result.b, expected.b);
-    EXPECT_EQ(result.a, expected.a);
 }
 
 TEST(Conditional, GivesIfTrueWhileTheConditionIsOn) { expectColor(choose(true), {1, 2, 3, 0.25f}); }

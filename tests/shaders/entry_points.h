@@ -52,6 +52,13 @@ struct EntryPoints {
     int (*version)();
 };
 
+/// What a shader returns when all its parameters are 0: some have nothing to give then, neither values to
+/// select from nor a texture to look up.
+inline int returnedForZeros(std::string_view shader)
+{
+    return shader.starts_with("vhSelect") || shader == "vhEnvironmentPanoramic_v1" ? 0 : 1;
+}
+
 /// Room for the parameters and the result of any shader.
 struct AnyParams {
     alignas(8) char bytes[2048];

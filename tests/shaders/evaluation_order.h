@@ -9,6 +9,7 @@
 #include "conditional_orders.h"
 #include "conversion_orders.h"
 #include "debug_orders.h"
+#include "layer_orders.h"
 #include "mixer_orders.h"
 #include "range_orders.h"
 #include "state_orders.h"
@@ -19,7 +20,7 @@ inline const std::vector<Orders>& evaluationOrders()
         std::vector<Orders> made;
         for (const std::vector<Orders>& family :
              {arithmeticOrders(), booleanOrders(), channelOrders(), comparisonOrders(), conditionalOrders(),
-              conversionOrders(), debugOrders(), mixerOrders(), rangeOrders(), stateOrders()})
+              conversionOrders(), debugOrders(), layerOrders(), mixerOrders(), rangeOrders(), stateOrders()})
             made.insert(made.end(), family.begin(), family.end());
         return made;
     }();

@@ -93,6 +93,34 @@ TEST(IsObject, AnInstanceIsAskedForItsNameOnce)
     EXPECT_EQ(answer(call, ball), 1);
 }
 
+TEST(IsObject, LeavesOfOneSceneInstanceAreAskedForEach)
+{
+    Call call("vhIsObject_v1");
+    call.set("objectName", "box");
+    const miTag scene = test::sceneInstance("Box");
+    const miTag left = leafOf(scene);
+    const miTag right = leafOf(scene);
+    EXPECT_EQ(answer(call, left), 1);
+    EXPECT_EQ(answer(call, right), 1);
+    const miTag late = leafOf(scene);
+    Call::session().database.find(scene)->name = "ball";
+    EXPECT_EQ(answer(call, left), 1) << "as known";
+    EXPECT_EQ(answer(call, right), 1) << "as known";
+    EXPECT_EQ(answer(call, late), 0) << "a leaf is known by itself, not by its scene instance";
+}
+
+TEST(IsObject, KeepsNoPointerToItsName)
+{
+    const test::RelocatedStrings moving;
+    for (const std::string name : {"box", "a name that is too long for a short string"}) {
+        Call call("vhIsObject_v1");
+        call.set("objectName", name);
+        EXPECT_EQ(answer(call, leafOf("#")), 0);
+        EXPECT_EQ(answer(call, leafOf(name)), 1);
+        EXPECT_EQ(answer(call, leafOf(std::string(name.size(), '#'))), 0) << "what is left where it was";
+    }
+}
+
 TEST(IsObject, TheNameIsEvaluatedInInitAndOnlyThere)
 {
     Call call("vhIsObject_v1");

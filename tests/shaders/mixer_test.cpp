@@ -2,6 +2,7 @@
 // The mixers: weighted sums against the rule in its plainest form, what users rely on at its edges, and what
 // is not evaluated.
 #include "components.h"
+#include "expect.h"
 #include "mixer_orders.h"
 #include "tests/core/floats.h"
 #include "tests/harness/call.h"
@@ -16,14 +17,6 @@ namespace {
 using test::Call;
 
 std::string numbered(const char* name, int number) { return name + std::to_string(number); }
-
-void expectColor(const miColor& result, const miColor& expected)
-{
-    EXPECT_EQ(result.r, expected.r);
-    EXPECT_EQ(result.g, expected.g);
-    EXPECT_EQ(result.b, expected.b);
-    EXPECT_EQ(result.a, expected.a);
-}
 
 /// The sum of these, each with its weight, in slots that are on.
 float mix(const std::vector<std::pair<float, float>>& inputsAndWeights)

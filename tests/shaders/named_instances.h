@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// Instances as a shader meets them while rendering.
+// Instances as a shader meets them while rendering, without a scene around them.
 #pragma once
 
 #include "tests/harness/call.h"
@@ -8,15 +8,26 @@
 
 namespace test {
 
-/// The tag of a leaf: an instance without a name, made from a scene instance that bears this one, or none at
-/// all.
-inline miTag leafOf(const std::string& name)
+/// A scene instance of this name, or without one when it is empty, of an object of another name.
+inline miTag sceneInstance(const std::string& name)
 {
     host::Database& database = Call::session().database;
-    host::Instance& leaf = database.make<host::Instance>();
-    leaf.record.item = database.make<host::Object>(name + " as an object").tag;
-    leaf.record.parent = database.make<host::Instance>(name).tag;
+    auto& scene = database.make<host::Instance>(name);
+    scene.record.item = database.make<host::Object>("the object of " + name).tag;
+    return scene.tag;
+}
+
+/// A leaf as a renderer makes one for each path to a scene instance: without a name of its own.
+inline miTag leafOf(miTag scene)
+{
+    host::Database& database = Call::session().database;
+    auto& leaf = database.make<host::Instance>();
+    leaf.record.parent = scene;
+    leaf.record.item = database.findAs<host::Instance>(scene)->record.item;
     return leaf.tag;
 }
+
+/// The leaf of a new scene instance.
+inline miTag leafOf(const std::string& name) { return leafOf(sceneInstance(name)); }
 
 } // namespace test

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // What users of the range shaders may rely on at the edges of each rule, one test each.
+#include "expect.h"
 #include "tests/harness/call.h"
 
 #include <gtest/gtest.h>
@@ -26,21 +27,6 @@ float threshold(float input, float threshold)
 
 /// A color with the same number in all channels.
 miColor grey(float value) { return {value, value, value, value}; }
-
-void expectVector(const miVector& result, const miVector& expected)
-{
-    EXPECT_EQ(result.x, expected.x);
-    EXPECT_EQ(result.y, expected.y);
-    EXPECT_EQ(result.z, expected.z);
-}
-
-void expectColor(const miColor& result, const miColor& expected)
-{
-    EXPECT_EQ(result.r, expected.r);
-    EXPECT_EQ(result.g, expected.g);
-    EXPECT_EQ(result.b, expected.b);
-    EXPECT_EQ(result.a, expected.a);
-}
 
 // ---- clamp
 

@@ -125,6 +125,38 @@ TEST(Reads, APatternIsPinnedAfterAllEvaluationsAndNoLonger)
     }
 }
 
+// Other shaders may set opacity too, and the last one counts: it is set when all evaluations are done.
+TEST(Reads, OpacityIsSetAfterAllEvaluationsWhateverTheFlagSays)
+{
+    const Library library;
+    BareRenderer& renderer = BareRenderer::get();
+    const EntryPoints shader(library, "vhSetOpacity_v1");
+    for (const miBoolean multiply : {miFALSE, miTRUE}) {
+        SCOPED_TRACE(multiply);
+        renderer.reset();
+        struct Parameters {
+            miColor input, opacity;
+            miBoolean multiply;
+        };
+        Block<Parameters> block;
+        block.params = {{1, 2, 3, 4}, {0.5f, 0.25f, 2, -1}, multiply};
+        block.connect(block.params.multiply);
+        renderer.evaluate = [](void* parameter) { return parameter; };
+        miBoolean request = miFALSE;
+        shader.init(&block.state, &block.params, &request);
+        renderer.calls.clear();
+        miColor result{};
+        shader.execute(&result, &block.state, &block.params);
+        EXPECT_EQ(renderer.calls, (std::vector<std::string>{"mi_query", "mi_phen_eval", "mi_opacity_set"}));
+        EXPECT_EQ(renderer.opacity.r, 0.5f);
+        EXPECT_EQ(renderer.opacity.g, 0.25f);
+        EXPECT_EQ(renderer.opacity.b, 2);
+        EXPECT_EQ(renderer.opacity.a, -1);
+        EXPECT_EQ(result.a, multiply ? -4 : 4);
+        shader.exit(&block.state, &block.params);
+    }
+}
+
 // The rule that tells a connected parameter from a literal one, as it came out in the built library.
 class GhostRule : public testing::Test {
 protected:

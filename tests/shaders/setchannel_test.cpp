@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Set channel against its rule, over all floats and words, and its edges.
+#include "expect.h"
 #include "tests/core/floats.h"
 #include "tests/harness/call.h"
 
@@ -59,21 +60,6 @@ TYPED_TEST(SetChannel, AgreesWithTheRule)
             ASSERT_EQ(call->returned(), 1);
         }
     }
-}
-
-void expectVector(const miVector& result, const miVector& expected)
-{
-    EXPECT_EQ(result.x, expected.x);
-    EXPECT_EQ(result.y, expected.y);
-    EXPECT_EQ(result.z, expected.z);
-}
-
-void expectColor(const miColor& result, const miColor& expected)
-{
-    EXPECT_EQ(result.r, expected.r);
-    EXPECT_EQ(result.g, expected.g);
-    EXPECT_EQ(result.b, expected.b);
-    EXPECT_EQ(result.a, expected.a);
 }
 
 TEST(SetChannelEdges, OneComponentAloneAndTheOtherValuesAreNotEvaluated)

@@ -275,6 +275,39 @@ TEST_F(PatternSwitch, AnInstanceIsDecidedOnceAndSaidOnce)
     EXPECT_EQ(printed(), Lines{info("- matched object box to pattern box")}) << "by instance, not by name";
 }
 
+TEST_F(PatternSwitch, LeavesOfOneSceneInstanceAreDecidedForEach)
+{
+    set({"box"});
+    const miTag scene = test::sceneInstance("box");
+    const miTag leaves[] = {leafOf(scene), leafOf(scene)};
+    EXPECT_EQ(chosen(leaves[0]), 0);
+    printed();
+    EXPECT_EQ(chosen(leaves[1]), 0);
+    EXPECT_EQ(printed(), Lines{info("- matched object box to pattern box")});
+    for (const miTag leaf : leaves)
+        EXPECT_EQ(chosen(leaf), 0);
+    call.end();
+    EXPECT_EQ(printed(), Lines{info("- evaluated 4 times, 2 matches")});
+}
+
+TEST_F(PatternSwitch, KeepsNoPointerToItsPatterns)
+{
+    const test::RelocatedStrings moving;
+    const std::string longOne = "a*pattern*that is too long for a short string";
+    set({"box", longOne});
+    EXPECT_EQ(chosen("a pattern that is too long for a short string"), 1);
+    EXPECT_EQ(chosen("boxes"), 0);
+    EXPECT_EQ(chosen("###"), fallback) << "what is left where a pattern was";
+    EXPECT_EQ(
+        printed(),
+        (Lines{info("pattern / value pairs - begin"), info("pattern 0 : box"), info("pattern 1 : " + longOne),
+               info("pattern / value pairs - end"),
+               info("- matched object a pattern that is too long for a short string to pattern " + longOne),
+               info("- matched object boxes to pattern box"),
+               warning("- object ### not matched to a pattern. Using default color")}));
+    call.end(); // while strings move
+}
+
 TEST_F(PatternSwitch, TheCountIsOfSamplesAndOfInstances)
 {
     set({"box"});

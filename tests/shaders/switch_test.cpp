@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Switches by exact name: which value an instance gets. What they print, and every call that they make, is in
 // arrays_test.
-#include "instances.h"
+#include "named_instances.h"
 #include "tests/harness/messages.h"
 
 #include <gtest/gtest.h>
@@ -9,6 +9,7 @@
 namespace {
 
 using test::Call;
+using test::leafOf;
 using test::list;
 
 struct Marked {
@@ -144,6 +145,19 @@ TEST(Switch, AnInstanceWithoutANameIsTheEmptyOne)
     EXPECT_EQ(shaded(call, leafOf("")), 2);
     host::Database& database = Call::session().database;
     EXPECT_EQ(shaded(call, database.make<host::Instance>("no leaf").tag), 2) << "there is no parent at all";
+}
+
+TEST(Switch, LeavesOfOneSceneInstanceHaveItsName)
+{
+    Call call("vhSwitchScalar_v1");
+    call.set("names", list("a", "b")).set("values", list(1.0f, 2.0f));
+    const miTag scene = test::sceneInstance("a");
+    const miTag leaves[] = {leafOf(scene), leafOf(scene)};
+    for (const miTag leaf : leaves)
+        EXPECT_EQ(shaded(call, leaf), 1);
+    Call::session().database.find(scene)->name = "b";
+    for (const miTag leaf : leaves)
+        EXPECT_EQ(shaded(call, leaf), 2) << "asked at every sample";
 }
 
 TEST(Switch, KeepsNoPointerToItsNames)

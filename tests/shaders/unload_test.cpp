@@ -27,18 +27,12 @@ TEST(Unload, LeavesNothingLoadedAThousandTimes)
         {
             const Library library;
             ASSERT_TRUE(isLoaded());
-            const VHL::Description& description = shaders[round % shaders.size()];
-            const EntryPoints shader(library, description.name);
-            for (const VHL::Field& field : description.fields)
-                if (field.isArray) { // one element: without any, selecting shaders have no result
-                    const int startAndCount[] = {0, 1};
-                    std::memcpy(&block.params.bytes[field.offset], startAndCount, sizeof startAndCount);
-                }
+            const EntryPoints shader(library, shaders[round % shaders.size()].name);
             miBoolean request = miFALSE;
             shader.init(&block.state, nullptr, &request);
             shader.init(&block.state, &block.params, &request);
             AnyParams result;
-            ASSERT_EQ(shader.execute(&result, &block.state, &block.params), 1) << shader.name;
+            ASSERT_EQ(shader.execute(&result, &block.state, &block.params), returnedForZeros(shader.name));
             shader.exit(&block.state, &block.params);
             shader.exit(&block.state, nullptr);
 

@@ -3,38 +3,13 @@
 
 #include "host/language/read.h"
 #include "host/render/render.h"
+#include "tests/harness/folder.h"
 
 #include <OpenImageIO/imageio.h>
 
-#include <cstdlib>
-#include <filesystem>
 #include <stdexcept>
 
 namespace {
-
-/// A folder of its own that goes with everything in it.
-class Folder {
-public:
-    Folder()
-    {
-        std::string name = (std::filesystem::temp_directory_path() / "base-XXXXXX").string();
-        if (!mkdtemp(name.data()))
-            throw std::runtime_error("no temporary folder");
-        path_ = name;
-    }
-    ~Folder()
-    {
-        std::error_code ignored;
-        std::filesystem::remove_all(path_, ignored);
-    }
-    Folder(const Folder&) = delete;
-    Folder& operator=(const Folder&) = delete;
-
-    std::string file(const std::string& name) const { return (path_ / name).string(); }
-
-private:
-    std::filesystem::path path_;
-};
 
 Picture picture(const std::string& file)
 {
@@ -58,8 +33,8 @@ Picture picture(const std::string& file)
 
 Picture rendered(const std::string& body, const std::string& instances)
 {
-    const Folder folder;
-    const std::string file = folder.file("picture.exr");
+    const test::Folder folder;
+    const std::string file = folder.path("picture.exr");
     const bool surrounded = body.find("shader \"surroundings\"") != std::string::npos;
     const std::string text = R"(
 link "base.so"

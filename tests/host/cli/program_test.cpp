@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // The whole program on good and bad input: one clear message, the right exit status, nothing half-written.
-#include "tests/host/cli/program.h"
+#include "tests/harness/folder.h"
+#include "tests/harness/program.h"
 
 #include <gtest/gtest.h>
 
@@ -9,9 +10,11 @@
 #include <cstring>
 #include <sys/mount.h>
 
-using namespace testing_host;
+using namespace test;
 
 namespace {
+
+Outcome run(const Launch& launch) { return test::run(VHRENDER, launch); }
 
 /// A square that fills a 4 by 4 picture with a constant colour, in parts that tests replace.
 struct Scene {
@@ -262,6 +265,26 @@ TEST_F(Program, WhatAnInitThatThrowsFindsInitialisedIsEnded)
                                                         << outcome.messages;
     EXPECT_EQ(count("evaluated"), 1) << outcome.messages;
     EXPECT_LT(outcome.messages.find("evaluated"), outcome.messages.find("fatal"));
+}
+
+TEST_F(Program, StringsThatMoveChangeNothing)
+{
+    Scene scene;
+    scene.camera = "camera \"cam\" output \"rgb\" \"ppm\" \"out.ppm\"\n" // a format without a date
+                   "focal 1 aperture 1 aspect 1 resolution 4 4 end camera\n";
+    scene.shaders =
+        "shader \"by-pattern\" \"vhSwitchColor_v4\" ( \"patterns\" [ \"q*\", \"^quad-i$\" ],\n"
+        "\"values\" [ 0 1 0 1, 1 0.5 0 1 ] )\n"
+        "shader \"red\" \"vhDebugColor_v1\" ( \"input\" = \"by-pattern\", \"name\" \"the square\" )\n";
+    const Outcome staying = render(scene, {"-verbose", "4", "-threads", "1"});
+    EXPECT_EQ(staying.status, 0);
+    EXPECT_NE(staying.messages.find("matched object quad-i to pattern ^quad-i$"), std::string::npos);
+    EXPECT_NE(staying.messages.find("vhDebugColor : the square - 1.000 0.500"), std::string::npos);
+    const std::string picture = folder.read("out.ppm");
+    const Outcome moving = render(scene, {"-verbose", "4", "-threads", "1", "-relocate_strings", "on"});
+    EXPECT_EQ(moving.status, 0);
+    EXPECT_EQ(moving.messages, staying.messages);
+    EXPECT_EQ(folder.read("out.ppm"), picture);
 }
 
 TEST_F(Program, AShaderThatWasDeletedIsMissed)

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
+#include "tests/harness/folder.h"
 #include "tests/host/language/scene.h"
 
 #include <filesystem>
@@ -10,32 +11,6 @@ namespace fs = std::filesystem;
 namespace test {
 
 namespace {
-
-/// A folder that is gone with the test.
-class Folder {
-public:
-    Folder()
-        : path_(fs::path(::testing::TempDir()) /
-                ("language_" + std::to_string(::testing::UnitTest::GetInstance()->random_seed()) + "_" +
-                 ::testing::UnitTest::GetInstance()->current_test_info()->name() + std::to_string(getpid())))
-    {
-        fs::create_directories(path_ / "below");
-    }
-    ~Folder() { fs::remove_all(path_); }
-    Folder(const Folder&) = delete;
-    Folder& operator=(const Folder&) = delete;
-
-    std::string write(const std::string& name, const std::string& text) const
-    {
-        std::ofstream(path_ / name, std::ios::binary) << text;
-        return (path_ / name).string();
-    }
-    std::string operator/(const std::string& name) const { return (path_ / name).string(); }
-    std::string string() const { return path_.string(); }
-
-private:
-    fs::path path_;
-};
 
 std::string fileError(Scene& scene, const std::string& file)
 {
@@ -70,11 +45,11 @@ TEST(Include, AnglesLookAlongThePathFirst)
     folder.write("x.mi", "set \"beside\"");
     folder.write("below/x.mi", "set \"path\"");
     Scene first;
-    first.session.paths.include = {folder / "below"};
+    first.session.paths.include = {folder.path("below")};
     EXPECT_EQ(fileError(first, quoted), "accepted");
     EXPECT_TRUE(isSet(first, "beside") && !isSet(first, "path"));
     Scene second;
-    second.session.paths.include = {folder / "nowhere", folder / "below"};
+    second.session.paths.include = {folder.path("nowhere"), folder.path("below")};
     EXPECT_EQ(fileError(second, angled), "accepted");
     EXPECT_TRUE(isSet(second, "path") && !isSet(second, "beside"));
 }
@@ -92,8 +67,8 @@ TEST(Include, AMissingFileOrAFolderIsRefused)
 {
     EXPECT_EQ(errorOf("$include \"no such file\""), "1:10: cannot find the file \"no such file\" to include");
     const Folder folder;
-    EXPECT_EQ(errorOf("$include \"" + folder.string() + "\""),
-              "1:10: cannot find the file \"" + folder.string() + "\" to include");
+    EXPECT_EQ(errorOf("$include \"" + folder.path() + "\""),
+              "1:10: cannot find the file \"" + folder.path() + "\" to include");
 }
 
 TEST(Include, FilesMayNotIncludeOneAnotherForever)
@@ -102,7 +77,7 @@ TEST(Include, FilesMayNotIncludeOneAnotherForever)
     const std::string file = folder.write("a.mi", "$include \"b.mi\"");
     folder.write("b.mi", "$include \"a.mi\"");
     Scene scene;
-    const std::string place = folder / (host::maximumIncludes % 2 == 0 ? "a.mi" : "b.mi");
+    const std::string place = folder.path(host::maximumIncludes % 2 == 0 ? "a.mi" : "b.mi");
     EXPECT_EQ(fileError(scene, file), place + ":1:10: files include one another deeper than " +
                                           std::to_string(host::maximumIncludes) + " levels");
 }
@@ -114,7 +89,7 @@ TEST(Include, AsDeepAsTheLimitSays)
         folder.write(std::to_string(i) + ".mi", "$include \"" + std::to_string(i + 1) + ".mi\"");
     folder.write(std::to_string(host::maximumIncludes) + ".mi", "set \"deepest\"");
     Scene scene;
-    EXPECT_EQ(fileError(scene, folder / "0.mi"), "accepted");
+    EXPECT_EQ(fileError(scene, folder.path("0.mi")), "accepted");
     EXPECT_TRUE(isSet(scene, "deepest"));
 }
 
@@ -137,12 +112,12 @@ TEST(File, IsTriedWithTheEndingToo)
     const Folder folder;
     folder.write("a.mi", "set \"found\"");
     Scene scene;
-    EXPECT_EQ(fileError(scene, folder / "a"), "accepted");
+    EXPECT_EQ(fileError(scene, folder.path("a")), "accepted");
     EXPECT_TRUE(isSet(scene, "found"));
-    EXPECT_EQ(fileError(scene, folder / "b"),
-              "cannot read \"" + (folder / "b") + "\": No such file or directory");
-    EXPECT_EQ(fileError(scene, folder / "below"),
-              "cannot read \"" + (folder / "below") + "\": it is a folder");
+    EXPECT_EQ(fileError(scene, folder.path("b")),
+              "cannot read \"" + folder.path("b") + "\": No such file or directory");
+    EXPECT_EQ(fileError(scene, folder.path("below")),
+              "cannot read \"" + folder.path("below") + "\": it is a folder");
 }
 
 TEST(Conditional, SelectsByVariable)

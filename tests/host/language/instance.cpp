@@ -117,12 +117,27 @@ TEST(Instance, MotionIsInheritedGivenOrOff)
     EXPECT_EQ(none.record().gen_motion, 0);
     EXPECT_TRUE(given.instance().hasMotion);
     EXPECT_EQ(given.record().motion_transform[12], 4.0f);
+    EXPECT_EQ(given.instance().motionInverse[12], -4.0f);
     EXPECT_EQ(given.record().gen_motion, 1);
     EXPECT_FALSE(off.instance().hasMotion);
     EXPECT_EQ(off.record().gen_motion, 2);
     given.change("motion transform");
     EXPECT_FALSE(given.instance().hasMotion);
+    EXPECT_EQ(given.record().gen_motion, 0);
     EXPECT_EQ(list(given.record().motion_transform), identity);
+    EXPECT_EQ(list(given.instance().motionInverse), identity);
+}
+
+TEST(Instance, ASingularMotionMatrixIsNone)
+{
+    Placed p("motion transform 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0");
+    EXPECT_FALSE(p.instance().hasMotion);
+    EXPECT_EQ(p.record().gen_motion, 0);
+    EXPECT_EQ(list(p.record().motion_transform), identity);
+    EXPECT_EQ(list(p.instance().motionInverse), identity);
+    EXPECT_EQ(
+        p.scene.messages.count("scene:4:18: the motion matrix of instance \"i\" is singular and is ignored"),
+        1);
 }
 
 TEST(Instance, MaterialsAreOneOrAList)

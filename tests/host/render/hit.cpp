@@ -172,7 +172,47 @@ TEST(Hit, TextureSpacesAndMotionAreInterpolated)
     ASSERT_EQ(scene.textures.size(), 2u);
     expectNear(scene.textures[0], 1.25, 0, 1);
     expectNear(scene.textures[1], 0, 2.25, -1.25);
+    expectNear(scene.seen.tex, 1.25, 0, 1); // the first space
     expectNear(scene.seen.motion, 1.25, 2, 0); // a direction, taken to internal space
+}
+
+TEST(Hit, MotionIsThatOfTheObjectAndOfItsInstances)
+{
+    // A square of motion (1, 0, 0) that is turned by a quarter about z and lifted by 5 while the shutter is
+    // open.
+    Looking scene;
+    auto& square = scene.square(1);
+    for (host::Vertex& vertex : square.vertices) {
+        vertex.firstMotion = 0;
+        vertex.motionCount = 1;
+    }
+    square.motionIndices.push_back(std::uint32_t(square.vectors.size()));
+    square.vectors.push_back({1, 0, 0});
+    auto& instance = scene.place(square, {0.5f, 0.25f, -2});
+    instance.materials = {scene.watcher().tag};
+    scene.look();
+    expectNear(scene.seen.motion, 1, 0, 0);
+    // The ray meets its (-1/2, -1/4), which goes to (1/2, -1/4), turned (1/4, 1/2), lifted by 5.
+    test::setMotion(instance, {0, 1, 0, 0, -1, 0, 0, 0, 0, 0, 1, 0, 0, 5, -2, 1});
+    scene.look();
+    expectNear(scene.seen.motion, 0.25, 5.5, 0);
+    instance.record.gen_motion = host::stopsMotion;
+    instance.hasMotion = false;
+    scene.look();
+    expectNear(scene.seen.motion, 0, 0, 0, 0);
+}
+
+TEST(Hit, WhatIsAtRestFarAwayHasNoMotionAtAll)
+{
+    Looking scene;
+    auto& group = scene.session.database.make<host::Group>();
+    scene.place(group, {1e7f / 3, -1e6f / 7, 0});
+    auto& inner = scene.place(scene.square(1), {-1e7f / 3, 1e6f / 7, -2}, &group);
+    test::setMotion(inner, {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, -1e7f / 3, 1e6f / 7, -2, 1}); // as it is
+    inner.materials = {scene.watcher().tag};
+    scene.look();
+    EXPECT_EQ(scene.calls, 1);
+    expectNear(scene.seen.motion, 0, 0, 0, 0);
 }
 
 TEST(Hit, MaterialsOfPolygonsInstancesAndLabels)

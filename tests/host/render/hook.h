@@ -11,7 +11,22 @@ struct HookParameters {
     miColor color;
 };
 
-/// Where its calls go: the library's variable "hook_target".
+/// What the state shaders give, each in the place of the parameter that is connected to it.
+struct StateFacts {
+    miVector point, normal, geometric, org, dir, motion, rasterPos, textureCoord;
+    miScalar rasterX, rasterY, width, height, dist, time, dotND;
+    miBoolean inverted;
+    miInteger reflection, refraction, label, instance, rayType;
+    miScalar reflectionScalar, refractionScalar, labelScalar, instanceScalar, rayTypeScalar;
+};
+
+/// Parameters of the shader "stated".
+struct StatedParameters {
+    HookParameters hook;
+    StateFacts facts;
+};
+
+/// Where both shaders' calls go: the library's variable "hook_target".
 struct Hook {
     miBoolean (*call)(void* context, int number, void* result, miState* state, HookParameters* parameters);
     void* context;

@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <random>
+#include <tuple>
 
 namespace {
 
@@ -113,6 +114,50 @@ TEST(Leaves, ADeepTreeOfRotationsKeepsItsAccuracy)
     g.place(g.object, *group);
     const Leaves leaves = g.leaves();
     EXPECT_NEAR(leaves.objects().front()->record.tf.local_to_global[0], std::cos(6.0), 2e-5);
+}
+
+TEST(Leaves, MotionIsThatOfAllInstancesOnThePathUnlessOneIsOff)
+{
+    const Matrix up = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 8, 0, 1};
+    const Matrix twice = {2, 0, 0, 0, 0, 2, 0, 0, 0, 0, 2, 0, 0, 0, 0, 1};
+    struct Row {
+        const char* why;
+        miUint1 outer, inner; ///< gen_motion; when given, (10, 0, 0) goes to (0, 8, 0), the inner size to 2
+        double x, y, z;       ///< how far (1, 2, 3) of the object then moves
+    };
+    const Row rows[] = {{"at rest", inheritsMotion, inheritsMotion, 0, 0, 0},
+                        {"its own", inheritsMotion, givesMotion, 1, 2, 3},
+                        {"inherited", givesMotion, inheritsMotion, -10, 8, 0},
+                        {"both", givesMotion, givesMotion, -10 + 1, 8 + 2, 3},
+                        {"switched off", givesMotion, stopsMotion, 0, 0, 0},
+                        {"switched off above", stopsMotion, inheritsMotion, 0, 0, 0},
+                        {"off above, its own", stopsMotion, givesMotion, 1, 2, 3}};
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.why);
+        Graph g;
+        Group& group = g.database.make<Group>("group");
+        Instance& outer = g.place(group, g.root);
+        Instance& inner = g.place(g.object, group);
+        test::moveTo(outer, {10, 0, 0});
+        for (const auto& [instance, says, matrix] :
+             {std::tuple(&outer, row.outer, up), std::tuple(&inner, row.inner, twice)})
+            if (says == givesMotion)
+                test::setMotion(*instance, matrix);
+            else
+                instance->record.gen_motion = says;
+        const Leaves leaves = g.leaves();
+        const Instance& leaf = *leaves.objects()[0];
+        const miVector drift = transformPoint({1, 2, 3}, leaf.drift);
+        EXPECT_EQ(drift.x, row.x);
+        EXPECT_EQ(drift.y, row.y);
+        EXPECT_EQ(drift.z, row.z);
+        EXPECT_EQ(leaf.hasMotion, row.x != 0);
+        EXPECT_EQ(leaf.record.gen_motion, row.inner != inheritsMotion ? row.inner : row.outer);
+        // Where the shutter closes, and back.
+        const miVector there = transformPoint({1, 2, 3}, leaf.motionInverse);
+        EXPECT_EQ(there.x, 11 + row.x);
+        EXPECT_EQ(transformPoint(there, leaf.record.motion_transform).z, 3);
+    }
 }
 
 // Rows of flags: what the upper and the lower instance say, and what the leaf has.

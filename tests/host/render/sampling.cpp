@@ -2,7 +2,7 @@
 // Samples, threads, windows, adaptive refinement.
 #include "tests/host/render/scene.h"
 
-#include "host/render/large_stack.h"
+#include "host/system/large_stack.h"
 #include "tests/harness/stage.h"
 
 #include <gtest/gtest.h>

@@ -6,6 +6,39 @@
 
 namespace test {
 
+namespace {
+
+host::Matrix inverseOf(const host::Matrix& matrix)
+{
+    // Gauss and Jordan, with the largest pivot.
+    host::Matrix m = matrix, inverse = host::identityMatrix;
+    for (int column = 0; column < 4; ++column) {
+        int pivot = column;
+        for (int row = column + 1; row < 4; ++row)
+            if (std::abs(m[row * 4 + column]) > std::abs(m[pivot * 4 + column]))
+                pivot = row;
+        const double scale = 1.0 / m[pivot * 4 + column];
+        for (int k = 0; k < 4; ++k) {
+            std::swap(m[pivot * 4 + k], m[column * 4 + k]);
+            std::swap(inverse[pivot * 4 + k], inverse[column * 4 + k]);
+            m[column * 4 + k] *= scale;
+            inverse[column * 4 + k] *= scale;
+        }
+        for (int row = 0; row < 4; ++row) {
+            const double factor = m[row * 4 + column];
+            if (row == column)
+                continue;
+            for (int k = 0; k < 4; ++k) {
+                m[row * 4 + k] -= factor * m[column * 4 + k];
+                inverse[row * 4 + k] -= factor * inverse[column * 4 + k];
+            }
+        }
+    }
+    return inverse;
+}
+
+} // namespace
+
 Scene::Scene()
     : options(session.database.make<host::Options>("opt")),
       camera(session.database.make<host::Camera>("cam")), root(session.database.make<host::Group>("root")),
@@ -34,6 +67,12 @@ miBoolean Scene::dispatch(void* context, int number, void* result, miState* stat
     return static_cast<Scene*>(context)->functions_[std::size_t(number)](result, *state, *parameters);
 }
 
+int Scene::number(Function function)
+{
+    functions_.push_back(std::move(function));
+    return int(functions_.size()) - 1;
+}
+
 host::Function& Scene::make(int number, const std::string& texture)
 {
     std::vector<host::Argument> arguments = {argument("number", number)};
@@ -48,18 +87,18 @@ host::Function& Scene::make(int number, const std::string& texture)
 
 host::Function& Scene::shader(Shade shade, const std::string& texture)
 {
-    functions_.push_back([shade](void* result, miState& state, HookParameters&) {
-        return shade(*static_cast<miColor*>(result), state);
-    });
-    return make(int(functions_.size()) - 1, texture);
+    return make(number([shade](void* result, miState& state, HookParameters&) {
+                    return shade(*static_cast<miColor*>(result), state);
+                }),
+                texture);
 }
 
 host::Function& Scene::geometry(std::function<miBoolean(miTag&, miState&)> create)
 {
-    functions_.push_back([create](void* result, miState& state, HookParameters&) {
-        return create(*static_cast<miTag*>(result), state);
-    });
-    return make(int(functions_.size()) - 1, {});
+    return make(number([create](void* result, miState& state, HookParameters&) {
+                    return create(*static_cast<miTag*>(result), state);
+                }),
+                {});
 }
 
 host::Material& Scene::material(Shade shade)
@@ -146,33 +185,17 @@ void moveTo(host::Instance& instance, const miVector& at)
 
 void setMatrix(host::Instance& instance, const host::Matrix& localToParent)
 {
-    // Gauss and Jordan, with the largest pivot.
-    host::Matrix m = localToParent, inverse = host::identityMatrix;
-    for (int column = 0; column < 4; ++column) {
-        int pivot = column;
-        for (int row = column + 1; row < 4; ++row)
-            if (std::abs(m[row * 4 + column]) > std::abs(m[pivot * 4 + column]))
-                pivot = row;
-        const double scale = 1.0 / m[pivot * 4 + column];
-        for (int k = 0; k < 4; ++k) {
-            std::swap(m[pivot * 4 + k], m[column * 4 + k]);
-            std::swap(inverse[pivot * 4 + k], inverse[column * 4 + k]);
-            m[column * 4 + k] *= scale;
-            inverse[column * 4 + k] *= scale;
-        }
-        for (int row = 0; row < 4; ++row) {
-            const double factor = m[row * 4 + column];
-            if (row == column)
-                continue;
-            for (int k = 0; k < 4; ++k) {
-                m[row * 4 + k] -= factor * m[column * 4 + k];
-                inverse[row * 4 + k] -= factor * inverse[column * 4 + k];
-            }
-        }
-    }
     host::narrow(localToParent, instance.record.tf.local_to_global);
-    host::narrow(inverse, instance.record.tf.global_to_local);
+    host::narrow(inverseOf(localToParent), instance.record.tf.global_to_local);
     instance.record.tf.identity = miFALSE;
+}
+
+void setMotion(host::Instance& instance, const host::Matrix& localToParent)
+{
+    instance.hasMotion = true;
+    host::narrow(localToParent, instance.motionInverse);
+    host::narrow(inverseOf(localToParent), instance.record.motion_transform);
+    instance.record.gen_motion = host::givesMotion;
 }
 
 } // namespace test

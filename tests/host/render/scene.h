@@ -32,6 +32,11 @@ public:
 
     host::Light& pointLight(const miVector& origin, Shade shade);
 
+    using Function = std::function<miBoolean(void*, miState&, HookParameters&)>;
+
+    /// Notes a function of the test, and gives the number by which shaders call it.
+    int number(Function function);
+
     /// An object of polygons without material, visible to all rays, casting and receiving shadows.
     host::Object& object(const std::vector<miVector>& points,
                          const std::vector<std::vector<std::uint32_t>>& polygons);
@@ -57,12 +62,14 @@ private:
     static miBoolean dispatch(void* context, int number, void* result, miState* state,
                               HookParameters* parameters);
 
-    std::vector<std::function<miBoolean(void*, miState&, HookParameters&)>> functions_;
+    std::vector<Function> functions_;
 };
 
 /// Moves an instance so that its element stands there.
 void moveTo(host::Instance& instance, const miVector& at);
 /// Sets both matrices of an instance from the local-to-parent one, which must be invertible.
 void setMatrix(host::Instance& instance, const host::Matrix& localToParent);
+/// Sets those of the end of the shutter interval.
+void setMotion(host::Instance& instance, const host::Matrix& localToParent);
 
 } // namespace test

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// One shader that hands every call on to the test that loaded it, so that each test says in place what its
+// Shaders that hand every call on to the test that loaded it, so that each test says in place what its
 // materials, lights and lenses do.
 #include "tests/host/render/hook.h"
 
@@ -14,5 +14,13 @@ __attribute__((visibility("default"))) miBoolean hook(void* result, miState* sta
 {
     const int number = *static_cast<int*>(mi_eval(state, &parameters->number));
     return hook_target.call(hook_target.context, number, result, state, parameters);
+}
+
+__attribute__((visibility("default"))) int stated_version() { return 1; }
+
+__attribute__((visibility("default"))) miBoolean stated(void* result, miState* state,
+                                                        StatedParameters* parameters)
+{
+    return hook(result, state, &parameters->hook);
 }
 }

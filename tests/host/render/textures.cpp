@@ -2,15 +2,21 @@
 #include "host/render/textures.h"
 
 #include "host/report/message.h"
+#include "tests/harness/folder.h"
 #include "tests/harness/stage.h"
 #include "tests/host/render/scene.h"
 
 #include <OpenImageIO/imageio.h>
 #include <gtest/gtest.h>
 
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <limits>
+#include <random>
 
 namespace {
 
@@ -24,72 +30,111 @@ void expectColor(const miColor& c, float r, float g, float b, float a)
     EXPECT_NEAR(c.a, a, 1e-6);
 }
 
-/// A folder that goes away.
-struct Folder {
-    std::filesystem::path path =
-        std::filesystem::temp_directory_path() / ("render_textures_" + std::to_string(getpid()));
-    Folder() { std::filesystem::create_directories(path); }
-    ~Folder() { std::filesystem::remove_all(path); }
+/// A texture given in the scene, lowest row first.
+class Bytes {
+public:
+    Bytes(int width, int height, int depth, std::vector<unsigned char> values)
+    {
+        host::Texture texture;
+        texture.width = width;
+        texture.height = height;
+        texture.depth = depth;
+        texture.bytes = std::move(values);
+        image_ = files_.open(texture, {});
+    }
+    const host::TextureImage* operator->() const { return image_.get(); }
+    miColor at(float x, float y) const
+    {
+        miColor color{};
+        EXPECT_TRUE(image_->lookup(x, y, color));
+        return color;
+    }
+
+private:
+    host::TextureFiles files_;
+    std::unique_ptr<host::TextureImage> image_;
 };
 
-host::TextureImage bytes(int width, int height, int depth, std::vector<unsigned char> values)
+/// Writes values of 8 bits, the first row at the top, with alpha as it is.
+void write(const std::string& file, int width, int height, int channels,
+           const std::vector<unsigned char>& values)
 {
-    host::Texture texture;
-    texture.width = width;
-    texture.height = height;
-    texture.depth = depth;
-    texture.bytes = std::move(values);
-    return host::readTexture(texture, {});
+    OIIO::ImageSpec spec(width, height, channels, OIIO::TypeDesc::UINT8);
+    spec.attribute("oiio:UnassociatedAlpha", 1);
+    const auto output = OIIO::ImageOutput::create(file);
+    ASSERT_TRUE(output->open(file, spec));
+    ASSERT_TRUE(output->write_image(OIIO::TypeDesc::UINT8, values.data()));
+    ASSERT_TRUE(output->close());
+}
+
+/// 0 51
+/// 102 153   as an image looks.
+struct Row {
+    float x, y, value;
+};
+constexpr Row between[] = {{0.25f, 0.25f, 102},   {0.75f, 0.25f, 153},      {0.25f, 0.75f, 0},
+                           {0.75f, 0.75f, 51},    {0.5f, 0.5f, 76.5f},      {0.5f, 0.25f, 127.5f},
+                           {0.25f, 0.5f, 51},     {0.375f, 0.25f, 114.75f}, {0, 0, 102},
+                           {0.99999994f, 0, 153}, {0, 0.99999994f, 0},      {0.1f, 0.2f, 102}};
+
+void expectRows(const host::TextureImage& image)
+{
+    for (const Row& row : between) {
+        SCOPED_TRACE(testing::Message() << row.x << ' ' << row.y);
+        miColor c{};
+        EXPECT_TRUE(image.lookup(row.x, row.y, c));
+        const float grey = row.value / 255;
+        expectColor(c, grey, grey, grey, 1);
+    }
 }
 
 TEST(Texture, BilinearBetweenTexelCentresAndClampedAtTheBorder)
 {
-    // 0 1
-    // 2 3   with the lowest row first.
-    const host::TextureImage image = {2, 2, {{2, 0, 0, 1}, {3, 0, 0, 1}, {0, 0, 0, 1}, {1, 0, 0, 1}}};
-    struct Row {
-        float x, y, value;
-    };
-    const Row rows[] = {{0.25f, 0.25f, 2},  {0.75f, 0.25f, 3},   {0.25f, 0.75f, 0},   {0.75f, 0.75f, 1},
-                        {0.5f, 0.5f, 1.5f}, {0.5f, 0.25f, 2.5f}, {0.25f, 0.5f, 1},    {0.375f, 0.25f, 2.25f},
-                        {0, 0, 2},          {0.99999994f, 0, 3}, {0, 0.99999994f, 0}, {0.1f, 0.2f, 2}};
-    for (const Row& row : rows) {
-        miColor c{};
-        EXPECT_TRUE(image.lookup(row.x, row.y, c));
-        expectColor(c, row.value, 0, 0, 1);
+    expectRows(*Bytes(2, 2, 1, {102, 153, 0, 51}).operator->());
+    const Folder folder;
+    host::Texture texture;
+    host::TextureFiles files;
+    for (const char* const name : {"t.png", "t.tif"}) {
+        SCOPED_TRACE(name);
+        texture.file = folder.path(name);
+        write(texture.file, 2, 2, 1, {0, 51, 102, 153});
+        expectRows(*files.open(texture, {}));
     }
 }
 
 TEST(Texture, OutsideTheHalfOpenRangeThereIsNothing)
 {
-    const host::TextureImage image = {1, 1, {{5, 5, 5, 1}}};
+    const Bytes image(1, 1, 1, {51});
     const float nan = std::numeric_limits<float>::quiet_NaN(), inf = std::numeric_limits<float>::infinity();
     for (const float odd : {1.0f, -1e-30f, 2.0f, -inf, inf, nan}) {
         miColor c = {9, 9, 9, 9};
-        EXPECT_FALSE(image.lookup(odd, 0.5f, c));
+        EXPECT_FALSE(image->lookup(odd, 0.5f, c));
         expectColor(c, 0, 0, 0, 0);
         c = {9, 9, 9, 9};
-        EXPECT_FALSE(image.lookup(0.5f, odd, c));
+        EXPECT_FALSE(image->lookup(0.5f, odd, c));
         expectColor(c, 0, 0, 0, 0);
     }
 }
 
 TEST(Texture, BytesInTheScene)
 {
-    expectColor(bytes(1, 1, 1, {51}).pixels[0], 0.2f, 0.2f, 0.2f, 1);
-    expectColor(bytes(1, 1, 1, {255, 51}).pixels[0], 1, 1, 1, 0.2f);
-    expectColor(bytes(1, 1, 1, {255, 0, 51}).pixels[0], 1, 0, 0.2f, 1);
-    expectColor(bytes(1, 1, 1, {255, 0, 51, 102}).pixels[0], 1, 0, 0.2f, 0.4f);
-    expectColor(bytes(1, 1, 2, {0x33, 0x33}).pixels[0], 0.2f, 0.2f, 0.2f, 1);
-    expectColor(bytes(1, 1, 4, {0x3F, 0xC0, 0, 0}).pixels[0], 1.5f, 1.5f, 1.5f, 1);
-    const host::TextureImage two = bytes(1, 2, 1, {0, 0, 0, 255, 255, 255});
-    expectColor(two.pixels[0], 0, 0, 0, 1); // the lowest row first
+    const auto only = [](int depth, const std::vector<unsigned char>& values) {
+        return Bytes(1, 1, depth, values).at(0.5f, 0.5f);
+    };
+    expectColor(only(1, {51}), 0.2f, 0.2f, 0.2f, 1);
+    expectColor(only(1, {255, 51}), 1, 1, 1, 0.2f);
+    expectColor(only(1, {255, 0, 51}), 1, 0, 0.2f, 1);
+    expectColor(only(1, {255, 0, 51, 102}), 1, 0, 0.2f, 0.4f);
+    expectColor(only(2, {0x33, 0x33}), 0.2f, 0.2f, 0.2f, 1);
+    expectColor(only(4, {0x3F, 0xC0, 0, 0}), 1.5f, 1.5f, 1.5f, 1);
+    const Bytes two(1, 2, 1, {0, 0, 0, 255, 255, 255});
+    expectColor(two.at(0.5f, 0.25f), 0, 0, 0, 1); // the lowest row first
     EXPECT_EQ(errorOf([] {
-                  bytes(2, 2, 1, {1, 2, 3});
+                  Bytes(2, 2, 1, {1, 2, 3});
               }),
               "texture \"\": 3 bytes do not make 2 by 2 pixels of 1 to 4 components");
-    EXPECT_NE(errorOf([] { bytes(0, 2, 1, {1}); }), "nothing was thrown");
-    EXPECT_NE(errorOf([] { bytes(1, 1, 3, {1, 2, 3}); }), "nothing was thrown");
+    EXPECT_NE(errorOf([] { Bytes(0, 2, 1, {1}); }), "nothing was thrown");
+    EXPECT_NE(errorOf([] { Bytes(1, 1, 3, {1, 2, 3}); }), "nothing was thrown");
 }
 
 /// Files of one to four channels: values are value / 255, whatever alpha is.
@@ -99,25 +144,22 @@ TEST(Texture, Files)
     for (int channels = 1; channels <= 4; ++channels)
         for (const std::string format : {"png", "tif"}) {
             SCOPED_TRACE(format + std::to_string(channels));
-            const std::string file = (folder.path / ("t." + format)).string();
-            OIIO::ImageSpec spec(2, 2, channels, OIIO::TypeDesc::UINT8);
-            spec.attribute("oiio:UnassociatedAlpha", 1);
+            const std::string file = folder.path("t." + format);
             std::vector<unsigned char> values;
             for (int i = 0; i < 4 * channels; ++i)
                 values.push_back(static_cast<unsigned char>(20 + 10 * i));
-            auto output = OIIO::ImageOutput::create(file);
-            ASSERT_TRUE(output->open(file, spec));
-            ASSERT_TRUE(output->write_image(OIIO::TypeDesc::UINT8, values.data()));
-            output->close();
+            write(file, 2, 2, channels, values);
 
             host::Texture texture;
             texture.file = "t." + format;
             host::SearchPaths paths;
-            paths.texture = {"/nowhere", folder.path.string()};
-            const host::TextureImage image = host::readTexture(texture, paths);
+            paths.texture = {"/nowhere", folder.path()};
+            host::TextureFiles files;
+            const auto image = files.open(texture, paths);
             // Files count rows from the top: pixel (1, 0) of ours is the last of the file.
             const auto v = [&](int c) { return float(20 + 10 * (3 * channels + c)) / 255.0f; };
-            const miColor& last = image.pixels[1];
+            miColor last{};
+            EXPECT_TRUE(image->lookup(0.75f, 0.25f, last));
             if (channels == 1)
                 expectColor(last, v(0), v(0), v(0), 1);
             else if (channels == 2)
@@ -132,14 +174,64 @@ TEST(Texture, MissingAndUnreadableFilesNameTheTexture)
     const Folder folder;
     host::Texture texture;
     texture.name = "wood";
-    texture.where = {host::fileName((folder.path / "scene.mi").string()), 12, 3};
+    texture.where = {host::fileName(folder.path("scene.mi")), 12, 3};
     texture.file = "absent.png";
-    EXPECT_EQ(errorOf([&] { host::readTexture(texture, {}); }),
-              (folder.path / "scene.mi").string() + ":12:3: texture \"wood\": no file \"absent.png\"");
-    std::ofstream(folder.path / "text.png") << "this is no picture";
+    host::TextureFiles files;
+    EXPECT_EQ(errorOf([&] { files.open(texture, {}); }),
+              folder.path("scene.mi") + ":12:3: texture \"wood\": no file \"absent.png\"");
+    folder.write("text.png", "this is no picture");
     texture.file = "text.png"; // found beside the scene
-    EXPECT_NE(errorOf([&] { host::readTexture(texture, {}); }).find("texture \"wood\": cannot read"),
+    EXPECT_NE(errorOf([&] { files.open(texture, {}); }).find("texture \"wood\": cannot read"),
               std::string::npos);
+}
+
+TEST(Texture, FilesThatEndTooEarlyAreRefused)
+{
+    const Folder folder;
+    for (const std::string format : {"exr", "tif", "png"}) {
+        SCOPED_TRACE(format);
+        host::Texture texture;
+        texture.name = "wood";
+        texture.file = folder.path("t." + format);
+        std::vector<unsigned char> noise;
+        std::mt19937 source(3);
+        std::generate_n(std::back_inserter(noise), 256 * 256 * 3,
+                        [&] { return static_cast<unsigned char>(source()); });
+        write(texture.file, 256, 256, 3, noise);
+        std::filesystem::resize_file(texture.file, std::filesystem::file_size(texture.file) / 2);
+        host::TextureFiles files;
+        const std::string error = errorOf([&] { files.open(texture, {}); });
+        EXPECT_TRUE(error.starts_with("texture \"wood\": cannot read \"" + texture.file + "\": ")) << error;
+    }
+}
+
+/// Nearly 1 GB of pixels if they were all kept as floats, but 64 by 64 of them in use.
+TEST(Texture, OfAWideFileOnlyPartsAreRead)
+{
+    const Folder folder;
+    host::Texture texture;
+    texture.file = folder.path("wide.tif");
+    constexpr int width = 30000, height = 2000;
+    OIIO::ImageSpec spec(width, height, 3, OIIO::TypeDesc::UINT8);
+    spec.tile_width = spec.tile_height = 64;
+    spec.attribute("compression", "zip");
+    const auto output = OIIO::ImageOutput::create(texture.file);
+    ASSERT_TRUE(output->open(texture.file, spec));
+    std::vector<unsigned char> row(std::size_t(width) * 64 * 3, 51);
+    for (int y = 0; y < height; y += 64)
+        ASSERT_TRUE(output->write_tiles(0, width, y, std::min(y + 64, height), 0, 1, OIIO::TypeDesc::UINT8,
+                                        row.data()));
+    ASSERT_TRUE(output->close());
+
+    rusage before{}, after{};
+    getrusage(RUSAGE_SELF, &before);
+    host::TextureFiles files;
+    const auto image = files.open(texture, {});
+    miColor color{};
+    EXPECT_TRUE(image->lookup(0.999f, 0.5f, color));
+    expectColor(color, 0.2f, 0.2f, 0.2f, 1);
+    getrusage(RUSAGE_SELF, &after);
+    EXPECT_LT(after.ru_maxrss - before.ru_maxrss, 100'000) << "KiB";
 }
 
 TEST(Texture, ShadersLookItUpAndTheRenderingChecksItFirst)

@@ -256,6 +256,52 @@ TEST(Trace, AMaterialsEnvironmentIsForTheRaysThatItCasts)
     EXPECT_EQ(primary.g, float(miRAY_EYE));
 }
 
+TEST(Trace, EnvironmentsSeeNothingOfTheSurfaceThatAsks)
+{
+    Scene scene;
+    scene.options.record.reflection_depth = scene.options.record.trace_depth = 3;
+    const miState* asking = nullptr;
+    miTag asked = miNULLTAG;
+    int calls = 0;
+    const miTag sky = scene
+                          .shader([&](miColor&, miState& state) {
+                              ++calls;
+                              EXPECT_EQ(state.parent, asking);
+                              EXPECT_EQ(state.environment, asked);
+                              EXPECT_EQ(state.camera, &scene.camera.record);
+                              EXPECT_EQ(state.pri, nullptr);
+                              EXPECT_EQ(state.instance, miNULLTAG);
+                              EXPECT_EQ(state.material, miNULLTAG);
+                              EXPECT_EQ(state.tex_list, nullptr);
+                              EXPECT_EQ(state.label, 0u);
+                              EXPECT_EQ(state.face, '\0');
+                              EXPECT_EQ(state.shadow_tol, 0.0);
+                              EXPECT_EQ(state.bary[0], 0.0f);
+                              EXPECT_FALSE(state.inv_normal);
+                              return miTRUE;
+                          })
+                          .tag;
+    scene.camera.environment = {asked = sky};
+    // Its back is seen, so that there is something to be cleared.
+    auto& square = scene.square(1);
+    square.label = 5;
+    auto& instance = scene.place(square, {0, 0, -4});
+    test::setMatrix(instance, {-1, 0, 0, 0, 0, 1, 0, 0, 0, 0, -1, 0, 0, 0, -4, 1});
+    instance.materials = {scene
+                              .material([&](miColor& result, miState& state) {
+                                  EXPECT_TRUE(state.inv_normal);
+                                  EXPECT_EQ(state.face, 'b');
+                                  EXPECT_GT(state.shadow_tol, 0.0);
+                                  asking = &state;
+                                  miVector up = {0, 1, 0};
+                                  mi_trace_environment(&result, &state, &up);
+                                  return mi_trace_reflection(&result, &state, &up);
+                              })
+                              .tag};
+    scene.look();
+    EXPECT_EQ(calls, 2);
+}
+
 TEST(Trace, NoEnvironmentIsFalseAndBlack)
 {
     Scene scene;

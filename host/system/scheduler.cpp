@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
-#include "host/render/scheduler.h"
+#include "host/system/scheduler.h"
 
-#include "host/render/large_stack.h"
+#include "host/system/large_stack.h"
 
 #include <tbb/global_control.h>
 #include <tbb/info.h>

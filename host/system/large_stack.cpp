@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-#include "host/render/large_stack.h"
+#include "host/system/large_stack.h"
 
 #include "host/report/error.h"
 

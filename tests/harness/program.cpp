@@ -1,54 +1,16 @@
 // SPDX-License-Identifier: BSD-3-Clause
-#include "tests/host/cli/program.h"
+#include "tests/harness/program.h"
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <array>
 #include <csignal>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
 
-namespace testing_host {
-
-namespace fs = std::filesystem;
-
-Folder::Folder()
-{
-    std::string pattern = (fs::temp_directory_path() / "vhrender-test-XXXXXX").string();
-    path_ = ::mkdtemp(pattern.data());
-}
-
-Folder::~Folder() { fs::remove_all(path_); }
-
-std::string Folder::path(const std::string& name) const { return name.empty() ? path_ : path_ + '/' + name; }
-
-void Folder::write(const std::string& name, const std::string& text) const
-{
-    std::ofstream(path(name), std::ios::binary) << text;
-}
-
-std::string Folder::read(const std::string& name) const
-{
-    std::ifstream file(path(name), std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
-bool Folder::holds(const std::string& name) const { return fs::exists(path(name)); }
-
-std::vector<std::string> Folder::names() const
-{
-    std::vector<std::string> result;
-    for (const fs::directory_entry& entry : fs::directory_iterator(path_))
-        result.push_back(entry.path().filename().string());
-    std::sort(result.begin(), result.end());
-    return result;
-}
+namespace test {
 
 namespace {
 
@@ -76,7 +38,7 @@ bool feedBytes(int descriptor, const char* bytes, std::size_t size)
     return true;
 }
 
-Outcome run(const Launch& launch)
+Outcome run(const std::string& program, const Launch& launch)
 {
     std::signal(SIGPIPE, SIG_IGN); // a reader that gives up is an expected outcome
     std::array<int, 2> input{};
@@ -86,7 +48,7 @@ Outcome run(const Launch& launch)
         ADD_FAILURE() << "no pipes";
         return {};
     }
-    std::vector<std::string> words = {VHRENDER};
+    std::vector<std::string> words = {program};
     words.insert(words.end(), launch.arguments.begin(), launch.arguments.end());
     std::vector<char*> arguments;
     for (std::string& word : words)
@@ -108,7 +70,7 @@ Outcome run(const Launch& launch)
             for (const int descriptor : pipe)
                 ::close(descriptor);
         if (::chdir(launch.folder.c_str()) == 0)
-            ::execv(VHRENDER, arguments.data());
+            ::execv(program.c_str(), arguments.data());
         ::_exit(127);
     }
     ::close(input[0]);
@@ -131,4 +93,4 @@ Outcome run(const Launch& launch)
     return outcome;
 }
 
-} // namespace testing_host
+} // namespace test

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-#include "host/render/safe_file.h"
+#include "host/system/safe_file.h"
 
 #include <cerrno>
 #include <cstring>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
-#include "host/render/workers.h"
+#include "host/system/workers.h"
 
-#include "host/render/scheduler.h"
+#include "host/system/scheduler.h"
 
 #include <atomic>
 #include <exception>

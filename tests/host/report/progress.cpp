@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-#include "host/cli/progress.h"
+#include "host/report/progress.h"
 
 #include "host/report/message.h"
 

@@ -1,0 +1,376 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// vhpano as its users run it. Images show the direction as a colour, so that every pixel of every layout has
+// one right answer.
+#include "tests/harness/folder.h"
+#include "tests/harness/program.h"
+
+#include <OpenImageIO/imageio.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <filesystem>
+#include <functional>
+#include <numbers>
+#include <optional>
+
+namespace {
+
+using test::Folder;
+using test::Outcome;
+
+constexpr double pi = std::numbers::pi;
+
+using Direction = std::array<double, 3>;
+
+/// What layouts show at u and v, from 0 to 1 from the left and from the bottom; nothing outside of circles.
+std::optional<Direction> latlong(double u, double v)
+{
+    const double longitude = (2 * u - 1) * pi, latitude = (2 * v - 1) * pi / 2;
+    return Direction{std::cos(latitude) * std::sin(longitude), std::sin(latitude),
+                     -std::cos(latitude) * std::cos(longitude)};
+}
+
+/// In a circle: at so many radians from the axis ahead, all around.
+std::optional<Direction> inCircle(double u, double v, const std::function<double(double)>& angle)
+{
+    const double x = 2 * u - 1, y = 2 * v - 1, r = std::hypot(x, y);
+    if (r > 1)
+        return {};
+    const double around = std::atan2(y, x), away = angle(r);
+    return Direction{std::sin(away) * std::cos(around), std::sin(away) * std::sin(around), -std::cos(away)};
+}
+std::optional<Direction> angular(double u, double v)
+{
+    return inCircle(u, v, [](double r) { return r * pi; });
+}
+std::optional<Direction> fisheye(double u, double v)
+{
+    return inCircle(u, v, [](double r) { return r * pi / 2; });
+}
+/// The normal of a ball at r is asin(r) from what looks at it, and a mirror doubles that.
+std::optional<Direction> ball(double u, double v)
+{
+    return inCircle(u, v, [](double r) { return pi - 2 * std::asin(r); });
+}
+
+std::optional<Direction> cube(double u, double v)
+{
+    const int face = std::min(5, int(v * 6));
+    const double x = 2 * u - 1, y = 2 * (v * 6 - face) - 1;
+    const Direction towards[] = {{x, y, -1}, {-x, y, 1}, {-x, -1, y}, {-x, 1, -y}, {1, y, x}, {-1, y, -x}};
+    Direction d = towards[face];
+    const double length = std::hypot(d[0], d[1], d[2]);
+    for (double& component : d)
+        component /= length;
+    return d;
+}
+
+struct Layout {
+    const char* name;
+    std::optional<Direction> (*direction)(double u, double v);
+    int width, height; ///< as much as a latlong of 512 by 256 shows
+};
+const Layout layouts[] = {{"latlong", latlong, 512, 256},
+                          {"angular", angular, 512, 512},
+                          {"ball", ball, 512, 512},
+                          {"cube", cube, 128, 768},
+                          {"fisheye", fisheye, 256, 256}};
+
+std::ostream& operator<<(std::ostream& out, const Layout& layout) { return out << layout.name; }
+
+/// Three floats a pixel, the first row at the top.
+struct Image {
+    int width = 0;
+    int height = 0;
+    std::vector<float> values;
+
+    const float* at(int x, int y) const { return &values[(std::size_t(y) * width + x) * 3]; }
+};
+
+/// Directions as colours from 0 to 1; black where there is none.
+Image painted(const Layout& layout, int width, int height)
+{
+    Image image{width, height, std::vector<float>(std::size_t(width) * height * 3)};
+    float* value = image.values.data();
+    for (int y = 0; y < height; ++y)
+        for (int x = 0; x < width; ++x, value += 3)
+            if (const auto d = layout.direction((x + 0.5) / width, (height - y - 0.5) / height))
+                for (std::size_t i = 0; i < 3; ++i)
+                    value[i] = float(((*d)[i] + 1) / 2);
+    return image;
+}
+
+void write(const std::string& file, const Image& image, OIIO::TypeDesc type = OIIO::TypeDesc::FLOAT)
+{
+    const auto output = OIIO::ImageOutput::create(file);
+    ASSERT_TRUE(output && output->open(file, OIIO::ImageSpec(image.width, image.height, 3, type)));
+    ASSERT_TRUE(output->write_image(OIIO::TypeDesc::FLOAT, image.values.data()));
+    ASSERT_TRUE(output->close());
+}
+
+Image read(const std::string& file)
+{
+    const auto input = OIIO::ImageInput::open(file);
+    if (!input)
+        return {};
+    Image image{input->spec().width, input->spec().height, {}};
+    image.values.resize(std::size_t(image.width) * image.height * 3);
+    EXPECT_TRUE(input->read_image(0, 0, 0, 3, OIIO::TypeDesc::FLOAT, image.values.data()));
+    return image;
+}
+
+/// Whether a place is so near to where the layout ends that filters may reach beyond.
+bool isNearTheEnd(const Layout& layout, double u, double v)
+{
+    const double pixel = 2.0 / layout.width;
+    return layout.direction != latlong && layout.direction != cube &&
+           std::hypot(2 * u - 1, 2 * v - 1) > 1 - 2 * pixel;
+}
+
+class Vhpano : public testing::Test {
+protected:
+    Outcome run(std::vector<std::string> arguments)
+    {
+        return test::run(VHPANO, {folder.path(), std::move(arguments), {}, -1});
+    }
+
+    /// Runs it with success and silence, and gives the output.
+    Image converted(std::vector<std::string> arguments)
+    {
+        arguments.insert(arguments.begin(), {"in.exr", "out.exr"});
+        const Outcome outcome = run(std::move(arguments));
+        EXPECT_EQ(outcome.status, 0);
+        EXPECT_EQ(outcome.output + outcome.messages, "");
+        return read(folder.path("out.exr"));
+    }
+
+    void expectError(const std::vector<std::string>& arguments, int status, const std::string& text)
+    {
+        const Outcome outcome = run(arguments);
+        EXPECT_EQ(outcome.status, status);
+        EXPECT_EQ(outcome.output, "");
+        EXPECT_NE(outcome.messages.find(text), std::string::npos) << outcome.messages;
+        EXPECT_EQ(std::ranges::count(outcome.messages, '\n'), 1) << outcome.messages;
+    }
+
+    Folder folder;
+};
+
+class EveryPair : public Vhpano, public testing::WithParamInterface<std::tuple<Layout, Layout>> {};
+
+TEST_P(EveryPair, ShowsEveryDirectionWhereItBelongs)
+{
+    const auto& [from, to] = GetParam();
+    write(folder.path("in.exr"), painted(from, from.width, from.height));
+    const Image result = converted({"--from", from.name, "--to", to.name});
+    ASSERT_EQ(result.width, to.width);
+    ASSERT_EQ(result.height, to.height);
+    const bool halfOnly = from.direction == fisheye;
+    for (int y = 0; y < result.height; ++y)
+        for (int x = 0; x < result.width; ++x) {
+            const double u = (x + 0.5) / result.width, v = (result.height - y - 0.5) / result.height;
+            const auto d = to.direction(u, v);
+            const float* const pixel = result.at(x, y);
+            if (isNearTheEnd(to, u, v) || (halfOnly && d && std::abs((*d)[2]) < 0.03))
+                continue;
+            const bool shown = d && !(halfOnly && (*d)[2] > 0);
+            // A ball's rim has next to no pixels for what lies ahead; averages end at rims and at a cube's
+            // edges. faces.
+            if (from.direction == ball && shown && (*d)[2] < -0.9)
+                continue;
+            const double tolerance = from.direction == latlong ? 0.01 : 0.03;
+            for (std::size_t i = 0; i < 3; ++i)
+                ASSERT_NEAR(pixel[i], shown ? ((*d)[i] + 1) / 2 : 0, tolerance)
+                    << "channel " << i << " at " << x << ' ' << y;
+        }
+}
+
+INSTANTIATE_TEST_SUITE_P(Of, EveryPair,
+                         testing::Combine(testing::ValuesIn(layouts), testing::ValuesIn(layouts)),
+                         [](const auto& pair) {
+                             return std::string(std::get<0>(pair.param).name) + "_" +
+                                    std::get<1>(pair.param).name;
+                         });
+
+TEST_F(Vhpano, ThereAndBackItIsTheSamePicture)
+{
+    const Image original = painted(layouts[0], 512, 256);
+    write(folder.path("in.exr"), original);
+    converted({"--from", "latlong", "--to", "cube"});
+    std::filesystem::rename(folder.path("out.exr"), folder.path("in.exr"));
+    const Image back = converted({"--from", "cube", "--to", "latlong"});
+    ASSERT_EQ(back.values.size(), original.values.size());
+    for (std::size_t i = 0; i < back.values.size(); ++i)
+        ASSERT_NEAR(back.values[i], original.values[i], 0.01) << i;
+}
+
+TEST_F(Vhpano, TheViewTurnsRightThenUpThenTiltsClockwise)
+{
+    write(folder.path("in.exr"), painted(layouts[0], 512, 256));
+    // What is seen ahead, a little above that, and a little to the right.
+    struct Row {
+        std::vector<std::string> degrees;
+        Direction ahead, above;
+    };
+    const Row rows[] = {
+        {{"0", "0", "0"}, {0, 0, -1}, {0, 1, 0}},    {{"90", "0", "0"}, {1, 0, 0}, {0, 1, 0}},
+        {{"0", "90", "0"}, {0, 1, 0}, {0, 0, 1}},    {{"0", "0", "90"}, {0, 0, -1}, {1, 0, 0}},
+        {{"90", "90", "0"}, {0, 1, 0}, {-1, 0, 0}},  {{"-90", "0", "90"}, {-1, 0, 0}, {0, 0, -1}},
+        {{"180", "-90", "0"}, {0, -1, 0}, {0, 0, 1}}};
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.degrees[0] + ' ' + row.degrees[1] + ' ' + row.degrees[2]);
+        const Image result = converted({"--from", "latlong", "--to", "fisheye", "--size", "201", "201",
+                                        "--rotate", row.degrees[0], row.degrees[1], row.degrees[2]});
+        const auto expect = [&](int x, int y, const Direction& d) {
+            for (std::size_t i = 0; i < 3; ++i)
+                EXPECT_NEAR(result.at(x, y)[i], (d[i] + 1) / 2, 0.01)
+                    << "channel " << i << " at " << x << ' ' << y;
+        };
+        expect(100, 100, row.ahead);
+        Direction between; // 45 degrees up
+        for (std::size_t i = 0; i < 3; ++i)
+            between[i] = (row.ahead[i] + row.above[i]) / std::numbers::sqrt2;
+        expect(100, 50, between);
+    }
+}
+
+TEST_F(Vhpano, LeavesAPictureAloneThatStaysWhereItIs)
+{
+    const Image original = painted(layouts[0], 128, 64);
+    write(folder.path("in.exr"), original);
+    for (const char* const filter : {"nearest", "bilinear"}) {
+        SCOPED_TRACE(filter);
+        const Image same = converted({"--from", "latlong", "--to", "latlong", "--filter", filter});
+        ASSERT_EQ(same.values.size(), original.values.size());
+        for (std::size_t i = 0; i < same.values.size(); ++i)
+            ASSERT_NEAR(same.values[i], original.values[i], 1e-4) << i;
+        // Half a turn is half the width, across the seam.
+        const Image turned = converted(
+            {"--from", "latlong", "--to", "latlong", "--filter", filter, "--rotate", "180", "0", "0"});
+        for (int y = 0; y < 64; ++y)
+            for (int x = 0; x < 128; ++x)
+                for (int i = 0; i < 3; ++i)
+                    ASSERT_NEAR(turned.at(x, y)[i], original.at((x + 64) % 128, y)[i], 2e-3) << x << ' ' << y;
+    }
+}
+
+TEST_F(Vhpano, AveragesWhatAPixelCovers)
+{
+    // Stripes of one pixel, black and white: in a picture an eighth of the size they are grey.
+    Image stripes{1024, 512, {}};
+    for (int i = 0; i < 1024 * 512; ++i)
+        stripes.values.insert(stripes.values.end(), 3, float(i % 2));
+    write(folder.path("in.exr"), stripes);
+    const Image small = converted({"--from", "latlong", "--to", "latlong", "--size", "128", "64"});
+    const Image sharp =
+        converted({"--from", "latlong", "--to", "latlong", "--size", "128", "64", "--filter", "nearest"});
+    for (int y = 0; y < 64; ++y)
+        for (int x = 0; x < 128; ++x) {
+            EXPECT_NEAR(*small.at(x, y), 0.5, 0.1) << x << ' ' << y;
+            EXPECT_TRUE(*sharp.at(x, y) == 0 || *sharp.at(x, y) == 1);
+        }
+}
+
+TEST_F(Vhpano, TheNumberOfThreadsMakesNoDifference)
+{
+    write(folder.path("in.exr"), painted(layouts[0], 256, 128));
+    const Image one = converted({"--from", "latlong", "--to", "angular", "--threads", "1"});
+    const Image several = converted({"--from", "latlong", "--to", "angular", "--threads", "5"});
+    EXPECT_EQ(one.values, several.values);
+}
+
+TEST_F(Vhpano, ReadsAndWritesTheUsualFormats)
+{
+    const Image original = painted(layouts[0], 128, 64);
+    struct Row {
+        const char *in, *out;
+        double tolerance;
+    };
+    for (const Row& row : {Row{"in.png", "out.png", 0.01},
+                           {"in.tif", "out.exr", 0.01},
+                           {"in.exr", "out.hdr", 0.02},
+                           {"in.hdr", "out.tif", 0.02},
+                           {"in.exr", "out.png", 0.01}}) {
+        SCOPED_TRACE(std::string(row.in) + ' ' + row.out);
+        const bool bytes = std::string(row.in) == "in.png";
+        write(folder.path(row.in), original, bytes ? OIIO::TypeDesc::UINT8 : OIIO::TypeDesc::FLOAT);
+        const Outcome outcome = run({row.in, row.out, "--from", "latlong", "--to", "latlong"});
+        EXPECT_EQ(outcome.status, 0) << outcome.messages;
+        const Image result = read(folder.path(row.out));
+        ASSERT_EQ(result.values.size(), original.values.size());
+        for (std::size_t i = 0; i < result.values.size(); ++i)
+            ASSERT_NEAR(result.values[i], original.values[i], row.tolerance) << i;
+    }
+    const Outcome outcome =
+        run({"in.exr", "half.exr", "--from", "latlong", "--to", "latlong", "--type", "half"});
+    EXPECT_EQ(outcome.status, 0) << outcome.messages;
+    EXPECT_EQ(OIIO::ImageInput::open(folder.path("half.exr"))->spec().format, OIIO::TypeDesc::HALF);
+}
+
+TEST_F(Vhpano, ImagesOfAnyShape)
+{
+    for (const auto& [width, height] : {std::pair{1, 1}, {5, 7}}) {
+        write(folder.path("in.exr"), painted(layouts[0], width, height));
+        for (std::size_t i = 0; i < std::size(layouts); ++i) {
+            const Layout &from = layouts[i], &to = layouts[(i + 1) % std::size(layouts)];
+            SCOPED_TRACE(testing::Message()
+                         << width << " by " << height << ' ' << from.name << ' ' << to.name);
+            const Image result = converted({"--from", from.name, "--to", to.name, "--size", "7", "3"});
+            EXPECT_EQ(result.width, 7);
+            EXPECT_EQ(result.height, 3);
+            // Bicubic filters overshoot, but not by more than this.
+            EXPECT_TRUE(std::ranges::all_of(result.values,
+                                            [](float value) { return value > -0.3f && value < 1.3f; }));
+        }
+    }
+}
+
+TEST_F(Vhpano, WrongUseIsTold)
+{
+    expectError({}, 2, "vhpano: in is required");
+    expectError({"a", "b", "--from", "latlong"}, 2, "--to is required");
+    expectError({"a", "b", "--from", "mercator", "--to", "cube"}, 2,
+                "'mercator' is no layout; there are latlong, angular, ball, cube, fisheye");
+    expectError({"a", "b", "--from", "cube", "--to", "cube", "--size", "0", "5"}, 2, "--size");
+    expectError({"a", "b", "--from", "cube", "--to", "cube", "--rotate", "5"}, 2, "--rotate");
+    expectError({"a", "b", "--from", "cube", "--to", "cube", "--filter", "mushy"}, 2, "--filter");
+    EXPECT_EQ(run({"--help"}).status, 0);
+    EXPECT_EQ(run({"--version"}).output.substr(0, 7), "vhpano ");
+}
+
+TEST_F(Vhpano, BadFilesAreToldAndNothingIsWritten)
+{
+    const std::vector<std::string> layout = {"--from", "latlong", "--to", "cube"};
+    const auto with = [&](const std::string& in, const std::string& out) {
+        std::vector<std::string> arguments = {in, out};
+        arguments.insert(arguments.end(), layout.begin(), layout.end());
+        return arguments;
+    };
+    folder.write("out.exr", "here before");
+    expectError(with("absent.exr", "out.exr"), 1, "cannot read \"absent.exr\"");
+    folder.write("text.png", "this is no picture");
+    expectError(with("text.png", "out.exr"), 1, "cannot read \"text.png\"");
+    folder.write("empty.exr", "");
+    expectError(with("empty.exr", "out.exr"), 1, "cannot read \"empty.exr\"");
+    write(folder.path("in.exr"), painted(layouts[0], 512, 256));
+    std::filesystem::copy_file(folder.path("in.exr"), folder.path("short.exr"));
+    std::filesystem::resize_file(folder.path("short.exr"),
+                                 std::filesystem::file_size(folder.path("in.exr")) / 2);
+    expectError(with("short.exr", "out.exr"), 1, "cannot read \"short.exr\"");
+    EXPECT_EQ(folder.read("out.exr"), "here before");
+    expectError(with("in.exr", "out.nonsense"), 1, "cannot write \"out.nonsense\"");
+    expectError(with("in.exr", "nowhere/out.exr"), 1, "cannot write \"nowhere/out.exr\"");
+    EXPECT_EQ(folder.names(),
+              (std::vector<std::string>{"empty.exr", "in.exr", "out.exr", "short.exr", "text.png"}));
+}
+
+TEST_F(Vhpano, MayReplaceItsInput)
+{
+    write(folder.path("in.exr"), painted(layouts[0], 64, 32));
+    EXPECT_EQ(run({"in.exr", "in.exr", "--from", "latlong", "--to", "cube"}).status, 0);
+    EXPECT_EQ(read(folder.path("in.exr")).height, 96);
+}
+
+} // namespace
