@@ -148,7 +148,7 @@ struct BallCoordinates {
         const Doubles squared = d.x * d.x + d.y * d.y;
         const Longs legs = absolute(d.z) > flat;
         const Doubles length = legs ? squareRoot(squared + d.z * d.z) : Doubles{} + 1;
-        const Doubles rest = legs & (d.z > 0) ? squared / (length + d.z) : length - d.z;
+        const Doubles rest = (legs & (d.z > 0)) ? squared / (length + d.z) : length - d.z;
         return toCircle(d.x, d.y, squareRoot(0.5 * rest / length));
     }
 };

@@ -18,7 +18,7 @@ struct Clamp {
     [[gnu::always_inline]] static V apply(V v, const V* k)
     {
         const V low = k[0], high = k[1];
-        return (low > high) | (low > v) ? low : v > high ? high : v;
+        return ((low > high) | (low > v)) ? low : v > high ? high : v;
     }
 };
 

@@ -24,7 +24,7 @@ if(NOT EXISTS ${prefix}/lib/libvhl.so)
 endif()
 run(${CMAKE_COMMAND} -E compare_files ${prefix}/include/vhl.mi ${source}/declarations/vhl.mi)
 
-set(printed "1 0.75 1 a;b; 50 9 1\n")
+set(printed "1 0.75 1 a;b; 50 9 0.25 1 0.5\n")
 
 run(${CMAKE_COMMAND} -S ${project} -B ${work}/cmake -G ${generator} -DCMAKE_PREFIX_PATH=${prefix} -DCMAKE_CXX_COMPILER=${compiler}
     -DCMAKE_CXX_FLAGS=${flags})

@@ -36,8 +36,13 @@ int main()
     std::printf("%g %g %d %s", double(vector.y), double(color.a), int(equal), joined);
     std::free(joined);
 
-    const VHL::dColorTransform& transform = Half();
+    const Half halving;
+    const VHL::dColorTransform& transform = halving;
     const VHL::dGamma gamma(VHL::dColor(0.5f));
     std::printf(" %d %g", int(transform.transformCh(100, 0)), double(gamma.transformFl(3, 0)));
-    std::printf(" %g\n", double(VHL::dFisheyeMapping().toTextureCoordinates({1, 0, 0}).x()));
+    VHL::dColor colors[] = {0.25f, 0.5f};
+    VHL::transformCl(transform, colors, colors, 2);
+    VHL::dVector places[] = {{1, 0, 0}, {0, 0, -1}};
+    VHL::toTextureCoordinates(VHL::dFisheyeMapping(), places, places, 2);
+    std::printf(" %g %g %g\n", double(colors[1].r()), double(places[0].x()), double(places[1].x()));
 }
