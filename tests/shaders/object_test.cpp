@@ -65,7 +65,9 @@ static const std::vector<std::string> publicClasses = {
 
 /// Those of namespace VHLNoise, without the namespace of their types.
 static const Names noiseFunctions = {
+    "cellnoise(dVector const*, dScalar*, unsigned long)",
     "cellnoise(dVector)",
+    "cellular(dVector const*, dScalar, dScalar*, unsigned long)",
     "cellular(dVector, dScalar)",
     "distance(dVector, dVector)",
     "dot(dColor, dColor)",
@@ -81,12 +83,16 @@ static const Names noiseFunctions = {
     "init_g4()",
     "init_neighbor()",
     "init_noise()",
+    "inoise(dColor const*, dScalar*, unsigned long)",
     "inoise(dColor)",
+    "inoise(dVector const*, dScalar*, unsigned long)",
     "inoise(dVector)",
     "length(dVector)",
     "lerp(dScalar, dScalar, dScalar)",
     "lerp(dVector, dVector, dScalar)",
+    "octaves(dVector const*, int, dScalar, dScalar, dScalar, dScalar, dScalar*, unsigned long)",
     "octaves(dVector, int, dScalar, dScalar, dScalar, dScalar)",
+    "octaves_abs(dVector const*, int, dScalar, dScalar, dScalar, dScalar, dScalar*, unsigned long)",
     "octaves_abs(dVector, int, dScalar, dScalar, dScalar, dScalar)",
     "perm(dScalar)",
     "vfloor(dColor)",
