@@ -17,6 +17,7 @@ namespace {
 const wide::Kernels& kernels(Processor processor)
 {
     switch (processor) {
+    case Processor::avx512Bytes:
     case Processor::avx512:
         return wide::avx512;
     case Processor::avx2:

@@ -23,7 +23,10 @@ static Processor detect()
     if ((saved & ymm) != ymm || !__get_cpuid_count(7, 0, &a, &b, &c, &d) || !(b & bit_AVX2))
         return Processor::plain;
     constexpr unsigned avx512 = bit_AVX512F | bit_AVX512DQ;
-    return (saved & zmm) == zmm && (b & avx512) == avx512 ? Processor::avx512 : Processor::avx2;
+    if ((saved & zmm) != zmm || (b & avx512) != avx512)
+        return Processor::avx2;
+    constexpr unsigned bytes = bit_AVX512BW | bit_AVX512VL;
+    return (b & bytes) == bytes && c & bit_AVX512VBMI ? Processor::avx512Bytes : Processor::avx512;
 }
 
 Processor processor() noexcept

@@ -6,9 +6,10 @@ namespace VHL {
 
 /// In rising order: who has one has those before it.
 enum class Processor {
-    plain,  ///< x86-64: vectors of 128 bits
-    avx2,   ///< 256 bits
-    avx512, ///< 512 bits: AVX-512 F and DQ
+    plain,       ///< x86-64: vectors of 128 bits
+    avx2,        ///< 256 bits
+    avx512,      ///< 512 bits: AVX-512 F and DQ
+    avx512Bytes, ///< with bytes in any order: BW, VL and VBMI too
 };
 
 /// What this machine and its system have. Found out at the first call; any thread may make it.

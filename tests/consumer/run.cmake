@@ -24,13 +24,25 @@ if(NOT EXISTS ${prefix}/lib/libvhl.so)
 endif()
 run(${CMAKE_COMMAND} -E compare_files ${prefix}/include/vhl.mi ${source}/declarations/vhl.mi)
 
-set(printed "1 0.75 1 a;b; 50 9 0.25 1 0.5\n")
+set(printed "1 0.75 1 a;b; 50 9 0.25 1 0.5 151 same\n")
 
 run(${CMAKE_COMMAND} -S ${project} -B ${work}/cmake -G ${generator} -DCMAKE_PREFIX_PATH=${prefix} -DCMAKE_CXX_COMPILER=${compiler}
     -DCMAKE_CXX_FLAGS=${flags})
 run(${CMAKE_COMMAND} --build ${work}/cmake)
 run(${work}/cmake/consumer)
 expect("${printed}")
+
+# The example that people begin from, which draws the manual's pictures.
+run(${CMAKE_COMMAND} -S ${source}/examples/noise -B ${work}/noise -G ${generator} -DCMAKE_PREFIX_PATH=${prefix}
+    -DCMAKE_CXX_COMPILER=${compiler} -DCMAKE_CXX_FLAGS=${flags})
+run(${CMAKE_COMMAND} --build ${work}/noise)
+file(MAKE_DIRECTORY ${work}/pictures)
+run(${work}/noise/noise_pictures ${work}/pictures)
+file(GLOB pictures ${work}/pictures/*.pgm)
+list(LENGTH pictures count)
+if(NOT count EQUAL 12)
+    message(FATAL_ERROR "the noise example wrote ${count} pictures")
+endif()
 
 file(GLOB_RECURSE description ${prefix}/*/vhl.pc)
 cmake_path(GET description PARENT_PATH directory)

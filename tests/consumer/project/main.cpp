@@ -4,6 +4,7 @@
 #include <vhl/boolean.h>
 #include <vhl/color.h>
 #include <vhl/mappings.h>
+#include <vhl/noise.h>
 #include <vhl/scalar.h>
 #include <vhl/text.h>
 #include <vhl/transforms.h>
@@ -44,5 +45,12 @@ int main()
     VHL::transformCl(transform, colors, colors, 2);
     VHL::dVector places[] = {{1, 0, 0}, {0, 0, -1}};
     VHL::toTextureCoordinates(VHL::dFisheyeMapping(), places, places, 2);
-    std::printf(" %g %g %g\n", double(colors[1].r()), double(places[0].x()), double(places[1].x()));
+    std::printf(" %g %g %g", double(colors[1].r()), double(places[0].x()), double(places[1].x()));
+
+    VHLNoise::init_noise();
+    const VHL::dVector points[] = {{0.25f, 1.5f, -7.75f}, {300.5f, 0.125f, 2.0f}};
+    VHL::dScalar many[] = {0.0f, 0.0f};
+    VHLNoise::inoise(points, many, 2);
+    const bool same = many[0] == VHLNoise::inoise(points[0]) && many[1] == VHLNoise::inoise(points[1]);
+    std::printf(" %g %s\n", double(VHLNoise::perm(0.0f) * 255.0f), same ? "same" : "different");
 }
