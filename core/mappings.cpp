@@ -14,18 +14,23 @@ constexpr double rightAngle = pi / 2;
 /// Of floats, squared without a loss.
 double hypotenuse(double a, double b) { return std::sqrt(a * a + b * b); }
 
-/// Above this sine or cosine, angles are taken from both legs: the function is too flat to tell them.
+/// Above this sine or cosine, angles of unit directions are taken from both legs: the function is too flat to
+/// tell them. Others are taken as they are.
 constexpr float flat = 0.9f;
+
+bool isUnit(double x, double y, double z) { return std::abs(x * x + y * y + z * z - 1) < 1e-5; }
 
 double angleToAxis(double cosine, double x, double y)
 {
-    return std::abs(cosine) > flat ? std::atan2(hypotenuse(x, y), cosine) : std::acos(cosine);
+    return std::abs(cosine) > flat && isUnit(cosine, x, y) ? std::atan2(hypotenuse(x, y), cosine)
+                                                           : std::acos(cosine);
 }
 
 double latitude(const dVector& d)
 {
-    return std::abs(d.y()) > flat ? std::atan2(double(d.y()), hypotenuse(double(d.x()), double(d.z())))
-                                  : std::asin(double(d.y()));
+    return std::abs(d.y()) > flat && isUnit(d.x(), d.y(), d.z())
+               ? std::atan2(double(d.y()), hypotenuse(double(d.x()), double(d.z())))
+               : std::asin(double(d.y()));
 }
 
 /// From -1 to 1 in both directions to texture coordinates, and back.

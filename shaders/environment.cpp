@@ -47,5 +47,6 @@ private:
 VHL_EXPORT_SHADER(
     vhEnvironmentPanoramic_v1, vhEnvironmentPanoramic,
     "The colour that a panoramic image has in the direction of the ray. No colour, and no success, "
-    "without an image, for the zero direction, and where the layout or the image has nothing.",
+    "without an image and for the zero direction. Behind the camera a fisheye gives the colour of the "
+    "image's lower left corner.",
     .apply = "environment")

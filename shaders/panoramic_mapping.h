@@ -10,8 +10,9 @@ namespace VHL {
 
 /// What users have to know of the number, wherever a shader asks for it.
 inline constexpr std::string_view mappingMeaning =
-    "Layout of the image: 1 angular map, 2 mirror ball, 3 cube strip, 4 fisheye; 0 and any other number "
-    "latitude-longitude. Read once, when the shader is made ready.";
+    "Layout of the image: 1 angular map, 2 mirror ball, 3 cube strip (from the top left, right, up, down, "
+    "back, ahead), 4 fisheye; 0 and any other number latitude-longitude. Read once, when the shader is made "
+    "ready.";
 
 /// An instance's layout, from its init on.
 class PanoramicMapping {

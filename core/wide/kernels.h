@@ -8,7 +8,7 @@
 namespace VHL::wide {
 
 /// What a power takes from tables, for one exponent. A positive normal number is 2^e * m with m from 1 to 2;
-/// its power is that of 2^e, times that of the middle of m's 128th part, times a short binomial series for
+/// its power is that of 2^e, times that of the middle of m's 256th part, times a short binomial series for
 /// the rest.
 struct PowerTable {
     /// By sign and exponent of a float: the power of 2^e. NaN where there is no such number: for what is

@@ -72,6 +72,17 @@ constexpr double flat = 0.9f;
 /// How near to a seam or rim the single form decides.
 constexpr double margin = 1e-5;
 
+/// A rule for directions, which it takes to be of length 1; the single form decides on others.
+template <class Rule>
+struct OfUnit {
+    [[gnu::always_inline]] static Mapped apply(const Vectors& d)
+    {
+        Mapped mapped = Rule::apply(d);
+        mapped.sure &= absolute(d.x * d.x + d.y * d.y + d.z * d.z - 1) < margin;
+        return mapped;
+    }
+};
+
 [[gnu::always_inline]] inline Vectors toUnit(Doubles a, Doubles b)
 {
     return {0.5 * a + 0.5, 0.5 * b + 0.5, Doubles{} + 0.5};

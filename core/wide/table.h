@@ -23,8 +23,9 @@ const Kernels VHL_KERNELS = {
     .divideByAlpha = byAlpha<true>,
     .arrange = arrange,
     .power = power,
-    .toTextureCoordinates = {map<SphericalCoordinates>, map<FisheyeCoordinates>, map<CubicCoordinates>,
-                             map<BallCoordinates>, map<AngularCoordinates>},
+    .toTextureCoordinates = {map<OfUnit<SphericalCoordinates>>, map<OfUnit<FisheyeCoordinates>>,
+                             map<OfUnit<CubicCoordinates>>, map<OfUnit<BallCoordinates>>,
+                             map<OfUnit<AngularCoordinates>>},
     .toDirection = {map<SphericalDirection>, map<CircularDirection<1, 2>>, map<CubicDirection>,
                     map<BallDirection>, map<CircularDirection<1, 1>>},
 };

@@ -80,7 +80,7 @@ miBoolean shade(RenderThread& thread, Frame& frame, const Ray& ray, miColor& res
 /// True when something behind would be seen through this opacity.
 bool seesThrough(const std::optional<miColor>& opacity)
 {
-    return opacity && (opacity->r < 1.0f || opacity->g < 1.0f || opacity->b < 1.0f);
+    return opacity && (opacity->r < 1.0f || opacity->g < 1.0f || opacity->b < 1.0f || opacity->a < 1.0f);
 }
 
 void add(miColor& sum, const miColor& color, const miColor& share)
@@ -127,6 +127,8 @@ miBoolean shadeEye(RenderThread& thread, Frame& frame, Ray ray, miColor& result)
     }
     return found;
 }
+
+bool isSame(const miVector& a, const miVector& b) { return a.x == b.x && a.y == b.y && a.z == b.z; }
 
 Ray eyeRay(const miState& state)
 {
@@ -283,7 +285,14 @@ miBoolean traceEye(miColor& result, miState& state, const miVector& origin, cons
     } else {
         if (isFinite(direction))
             frame->state.dir = normalised(direction);
-        found = shadeEye(thread, *frame, eyeRay(frame->state), result);
+        Ray ray = eyeRay(frame->state);
+        // Lenses that leave the camera's ray as it is leave its clipping too.
+        const PrimaryRay primary = thread.stage.rays.at(state.raster_x, state.raster_y);
+        if (isSame(origin, primary.origin) && isSame(direction, primary.direction)) {
+            ray.near = primary.near;
+            ray.far = primary.far;
+        }
+        found = shadeEye(thread, *frame, ray, result);
     }
     thread.lens = lens;
     // A lens shader sees in its own state what was hit.

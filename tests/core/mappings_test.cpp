@@ -351,3 +351,19 @@ TEST(CubicMapping, KeepsTheStepsWhereTheyComeBack)
     EXPECT_GT(kept, 100'000);
     EXPECT_GT(mended, 0);
 }
+
+// Nothing is normalised: of what is no unit direction the sine alone counts, on either side of every
+// threshold.
+TEST(Mappings, TakeOtherDirectionsAsTheyAre)
+{
+    for (const float y : {-0.95f, 0.3f, 0.9f, std::nextafter(0.9f, 1.0f), 0.95f, 1.0f}) {
+        const dVector d(1, y, 1);
+        EXPECT_NEAR(spherical.toTextureCoordinates(d).y(), (std::asin(double(y)) / (pi / 2) + 1) / 2, 1e-6)
+            << y;
+        // The view's axis is -z; 45 degrees up and right around it.
+        const dVector away(1, 1, -y);
+        const double r = std::acos(double(y)) / pi;
+        EXPECT_NEAR(angular.toTextureCoordinates(away).x(), (std::min(r, 1.0) * std::sqrt(0.5) + 1) / 2, 1e-6)
+            << y;
+    }
+}

@@ -187,7 +187,10 @@ private:
         }
         const float x = 2 * place.u - 1, y = 2 * place.v - 1;
         const float margin = std::min(2 * distance / static_cast<float>(std::min(width_, height_)), 1.0f);
-        const float scale = (1 - margin) / std::hypot(x, y);
+        const float radius = std::hypot(x, y);
+        if (radius <= 1 - margin || radius == 0)
+            return place; // in an image of a few texels the middle is as far away as can be
+        const float scale = (1 - margin) / radius;
         place.u = (x * scale + 1) / 2;
         place.v = (y * scale + 1) / 2;
         return place;

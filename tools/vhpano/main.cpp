@@ -5,6 +5,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include <cmath>
 #include <cstdio>
 #include <exception>
 #include <map>
@@ -43,7 +44,7 @@ int main(int count, char** arguments)
     CLI::App app(
         "Converts panoramic images between layouts.\n"
         "Layouts: latlong (longitude by latitude, 2:1), angular (360 degrees in a circle), ball (mirror "
-        "ball),\ncube (six faces in a column, 1:6; from the top left, right, up, down, back, front), fisheye "
+        "ball),\ncube (six faces in a column, 1:6; from the top left, right, up, down, back, ahead), fisheye "
         "(180 degrees\nin a circle).",
         "vhpano");
     app.set_version_flag("--version", "vhpano " VHL_VERSION);
@@ -75,6 +76,9 @@ int main(int count, char** arguments)
         app.parse(count, arguments);
         conversion.from = layout(from);
         conversion.to = layout(to);
+        for (const double degrees : rotation)
+            if (!(std::abs(degrees) <= 1e6)) // or no number
+                throw CLI::ValidationError("--rotate: degrees are from -1000000 to 1000000");
     } catch (const CLI::Success& success) {
         return app.exit(success);
     } catch (const CLI::ParseError& error) {

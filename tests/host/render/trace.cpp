@@ -410,6 +410,26 @@ TEST(Trace, OddDirectionsOfLensesSeeTheEnvironmentWithThatDirection)
     }
 }
 
+TEST(Trace, ALensThatChangesNothingKeepsTheCamerasClipping)
+{
+    Scene scene;
+    scene.place(scene.square(1), {0, 0, -3}).materials = {scene.plain({1, 0, 0, 1}).tag};
+    scene.camera.record.clip = {4, 10};
+    EXPECT_EQ(scene.look().r, 0.0f);
+    float aside = 0;
+    scene.camera.lens = {scene
+                             .shader([&](miColor& result, miState& state) {
+                                 miVector from = state.org;
+                                 from.x += aside;
+                                 mi_trace_eye(&result, &state, &from, &state.dir);
+                                 return miTRUE;
+                             })
+                             .tag};
+    EXPECT_EQ(scene.look().r, 0.0f);
+    aside = 0.125f;
+    EXPECT_EQ(scene.look().r, 1.0f) << "a ray of the lens's own";
+}
+
 TEST(Trace, ALongDirectionIsNormalisedAndDistancesAreOfTheWorld)
 {
     Scene scene;
