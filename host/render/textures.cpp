@@ -144,10 +144,10 @@ bool TextureImage::lookup(float x, float y, miColor& result) const
     return true;
 }
 
-TextureFiles::TextureFiles()
-    : system_(OIIO::TextureSystem::create(false),
-              [](OIIO::TextureSystem* system) { OIIO::TextureSystem::destroy(system); })
+// The process's one: OpenImageIO deletes others as what they are not.
+TextureFiles::TextureFiles() : system_(OIIO::TextureSystem::create(true))
 {
+    system_->invalidate_all(true); // files may be others by now
     system_->attribute("max_memory_MB", 1024.0f);
     system_->attribute("autotile", 64); // of files without tiles, so that they too are kept in parts
     // The values as they are in the file: shaders decide what alpha does to colour.

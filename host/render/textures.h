@@ -33,7 +33,8 @@ private:
     virtual miColor at(float x, float y) const = 0;
 };
 
-/// Reads parts of image files when they are asked for, and forgets the oldest beyond 1 GiB.
+/// Reads parts of image files when they are asked for, and forgets the oldest beyond 1 GiB. A new one begins
+/// afresh.
 class TextureFiles {
 public:
     TextureFiles();
@@ -43,7 +44,7 @@ public:
     std::unique_ptr<TextureImage> open(const Texture& texture, const SearchPaths& paths);
 
 private:
-    std::unique_ptr<OIIO::TextureSystem, void (*)(OIIO::TextureSystem*)> system_;
+    OIIO::TextureSystem* system_;
 };
 
 /// The textures of one rendering; opened once each. Safe from any thread.

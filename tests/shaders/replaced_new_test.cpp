@@ -40,7 +40,7 @@ void operator delete(void* block, std::size_t) noexcept { release(block); }
 // Every string is the same text, every instance bears the same name or none.
 static const char* patternText = "";
 static const char* instanceName = nullptr;
-static constexpr miTag patternTag = 99;
+static constexpr miTag patternTag = 9999; ///< no instance's
 extern "C" {
 static miInstance instanceRecord;
 static void* userSlot;

@@ -108,8 +108,7 @@ class Source {
 public:
     Source(const Conversion& conversion, const OIIO::ImageSpec& spec)
         : layout_(conversion.from), channels_(spec.nchannels), width_(spec.width), height_(spec.height),
-          system_(OIIO::TextureSystem::create(false),
-                  [](OIIO::TextureSystem* system) { OIIO::TextureSystem::destroy(system); })
+          system_(OIIO::TextureSystem::create(true)) // the process's one, which nobody has to delete
     {
         const bool footprint = conversion.filter == Filter::footprint;
         system_->attribute("max_memory_MB", 1024.0f);
@@ -200,7 +199,7 @@ private:
     int channels_;
     int width_;
     int height_;
-    std::unique_ptr<OIIO::TextureSystem, void (*)(OIIO::TextureSystem*)> system_;
+    OIIO::TextureSystem* system_;
     OIIO::TextureSystem::TextureHandle* handle_ = nullptr;
     OIIO::TextureOpt options_;
 };
