@@ -5,7 +5,7 @@
 #include "core/export.h"
 
 #include <array>
-#include <bit>
+#include <cstring>
 #include <functional>
 
 /// Everything comes from the state, but a shader has to declare a parameter.
@@ -34,8 +34,13 @@ constexpr auto rasterPos = [](const miState& s) { return miVector{s.raster_x, s.
 constexpr auto rasterWidth = [](const miState& s) { return s.camera->x_resolution; };
 constexpr auto rasterHeight = [](const miState& s) { return s.camera->y_resolution; };
 constexpr auto inverted = [](const miState& s) { return s.inv_normal != 0; };
-/// Unsigned whatever the enumeration is, and of codes that it does not name.
-constexpr auto rayType = [](const miState& s) { return std::bit_cast<miUint>(s.type); };
+/// Unsigned whatever the enumeration is. Copied as bytes, as it may hold codes that its type does not name.
+constexpr auto rayType = [](const miState& s) {
+    miUint code;
+    static_assert(sizeof code == sizeof s.type);
+    std::memcpy(&code, &s.type, sizeof code);
+    return code;
+};
 /// Objects without texture coordinates leave the renderer's list out.
 constexpr auto textureCoord = [](const miState& s) {
     return s.tex_list ? miVector{s.tex_list->x, s.tex_list->y, 0.0f} : miVector{0.0f, 0.0f, 0.0f};
