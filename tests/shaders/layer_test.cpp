@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Mattes, layers and opacity: against the rule in its plainest form, and what users rely on at its edges.
+#include "expect.h"
 #include "layer_orders.h"
 #include "rules.h"
 
@@ -62,14 +63,6 @@ TEST_P(Layer, AgreesWithTheRule) { expectAgreement(GetParam()); }
 
 INSTANTIATE_TEST_SUITE_P(Of, Layer, testing::ValuesIn(rules()),
                          [](const auto& instance) { return instance.param.shader; });
-
-void expectColor(const miColor& result, const miColor& expected)
-{
-    EXPECT_EQ(result.r, expected.r);
-    EXPECT_EQ(result.g, expected.g);
-    EXPECT_EQ(result.b, expected.b);
-    EXPECT_EQ(result.a, expected.a);
-}
 
 TEST(LayerEdges, AnOpaqueForegroundHidesTheBackground)
 {

@@ -3,6 +3,7 @@
 // call on the way. What the layouts are is tested with the mappings.
 #include "core/mappings.h"
 #include "entry_points.h"
+#include "expect.h"
 #include "tests/core/bare_renderer.h"
 
 #include <geoshader.h>
@@ -41,21 +42,6 @@ const VHL::dPanoramicConversion& mapping(int number)
     }
 }
 constexpr int numbers[] = {0, 1, 2, 3, 4, 5, 7, -1, std::numeric_limits<int>::max()};
-
-void expectVector(const miVector& result, const miVector& expected)
-{
-    EXPECT_EQ(result.x, expected.x);
-    EXPECT_EQ(result.y, expected.y);
-    EXPECT_EQ(result.z, expected.z);
-}
-
-void expectColor(const miColor& result, const miColor& expected)
-{
-    EXPECT_EQ(result.r, expected.r);
-    EXPECT_EQ(result.g, expected.g);
-    EXPECT_EQ(result.b, expected.b);
-    EXPECT_EQ(result.a, expected.a);
-}
 
 /// A shader with its parameters, from its init to its exit.
 template <class Parameters>

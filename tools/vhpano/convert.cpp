@@ -312,7 +312,6 @@ public:
         }
         if (!writer_->open(file_.path(), spec))
             throw failed(writer_->geterror());
-        written_ = spec.nchannels;
     }
 
     /// Rows from the top, with `channels` numbers to the pixel.
@@ -341,7 +340,6 @@ private:
     std::string name_;
     host::MemoryFile file_;
     std::unique_ptr<OIIO::ImageOutput> writer_;
-    int written_ = 0;
 };
 
 } // namespace
