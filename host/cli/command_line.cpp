@@ -193,6 +193,7 @@ public:
     void all()
     {
         general();
+        inspection();
         camera();
         sampling();
         features();
@@ -254,6 +255,11 @@ private:
         option(names, 1, 1, value, help, [&target](const Strings& texts) { target = texts[0]; });
     }
 
+    void flag(const std::string& names, const std::string& help, bool& target)
+    {
+        app_.add_flag(names, target, help)->group(group_);
+    }
+
     void list(const std::string& names, const std::string& value, const std::string& help, Strings& target,
               bool many)
     {
@@ -298,14 +304,25 @@ private:
         list("-L,--ld_path", "DIR", "where link looks; may be repeated", result_.libraryPath, false);
         list("--texture_path", "DIR", "where textures are looked for; may be repeated", result_.texturePath,
              false);
-        app_.add_flag("--ignore_version", result_.ignoreVersions,
-                      "render although a shader's version is not the declared one")
-            ->group(group_);
+        flag("--ignore_version", "render although a shader's version is not the declared one",
+             result_.ignoreVersions);
         word("--relocate_strings", "on|off",
              "on: strings move when nobody has them pinned, to find shaders that keep pointers", switchWords,
              result_.relocateStrings);
-        app_.add_flag("--version", wantsVersion, "print the version")->group(group_);
-        app_.add_flag("--copyright", wantsCopyright, "print the licence in short")->group(group_);
+        flag("--version", "print the version", wantsVersion);
+        flag("--copyright", "print the licence in short", wantsCopyright);
+    }
+
+    void inspection()
+    {
+        group_ = "Looking inside";
+        flag("--check", "read, resolve, load and lay out everything; render nothing", result_.check);
+        text("--graph", "FILE", "write the shading networks as a Graphviz file", result_.graph);
+        numbers(
+            "--probe", "X Y",
+            "take one sample, of a pixel counted from the lower left, and print all shader calls as a tree",
+            result_.probe);
+        flag("--profile", "print calls and times of every shader and shader instance", result_.profile);
     }
 
     void camera()
@@ -503,7 +520,7 @@ void CommandLine::adjust(Camera& camera) const
     if (fileDir)
         for (Output& output : camera.outputs)
             output.file = (fs::path(*fileDir) / fs::path(output.file).filename()).string();
-    if (camera.outputs.empty())
+    if (camera.outputs.empty() && !probe)
         throw Error(camera.where,
                     "camera '" + camera.name + "' names no output; give it one or use -file_name");
 }

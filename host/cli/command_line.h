@@ -26,6 +26,12 @@ struct CommandLine {
     bool ignoreVersions = false;
     bool relocateStrings = false;
 
+    // Looking inside.
+    bool check = false;
+    bool profile = false;
+    std::optional<std::array<int, 2>> probe; ///< a pixel
+    std::optional<std::string> graph;        ///< a file
+
     // Camera.
     std::optional<std::array<int, 2>> resolution;
     std::optional<std::array<int, 4>> window;
@@ -61,7 +67,8 @@ struct CommandLine {
     /// True when a frame of this number is to be rendered.
     bool wants(int frame) const;
     void adjust(Options& options) const;
-    /// Throws Error when a file name is given in a format that no one knows, or none at all.
+    /// Throws Error when a file name is given in a format that no one knows, or when a picture would have
+    /// none.
     void adjust(Camera& camera) const;
 };
 

@@ -1,10 +1,14 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // vhrender: reads scenes, renders their pictures.
 #include "host/cli/command_line.h"
-#include "host/report/progress.h"
+#include "host/inspect/check.h"
+#include "host/inspect/graph.h"
+#include "host/inspect/probe.h"
+#include "host/inspect/profile.h"
 #include "host/language/read.h"
 #include "host/render/render.h"
 #include "host/report/message.h"
+#include "host/report/progress.h"
 #include "host/session.h"
 
 #include <array>
@@ -52,6 +56,46 @@ Strings searchPath(const Strings& given, const char* variable, const char* besid
     return path;
 }
 
+/// What the command line wants to see of one frame.
+class Looking {
+public:
+    explicit Looking(const host::CommandLine& command)
+    {
+        if (command.graph)
+            add(graph_.emplace(*command.graph));
+        if (command.check)
+            add(check_.emplace());
+        if (command.probe)
+            add(probe_.emplace((*command.probe)[0], (*command.probe)[1]));
+        if (command.profile)
+            add(profile_.emplace());
+    }
+
+    const std::vector<host::Inspection*>& inspections() const { return inspections_; }
+
+    /// Prints what was seen. `rendered`: there is a picture.
+    void print(int frame, bool rendered) const
+    {
+        const std::string title = "frame " + std::to_string(frame) + ": ";
+        if (check_ && !check_->summary().empty())
+            put(title + check_->summary() + ", nothing wrong\n");
+        if (probe_ && !probe_->text().empty())
+            put(title + probe_->text());
+        if (profile_ && rendered)
+            put(title + "times of all threads together\n\n" + profile_->text());
+    }
+
+private:
+    void add(host::Inspection& inspection) { inspections_.push_back(&inspection); }
+    static void put(const std::string& text) { std::fputs(text.c_str(), stdout); }
+
+    std::optional<host::Graph> graph_;
+    std::optional<host::SceneCheck> check_;
+    std::optional<host::Probe> probe_;
+    std::optional<host::Profile> profile_;
+    std::vector<host::Inspection*> inspections_;
+};
+
 /// False when the command line does not want this frame.
 bool renderFrame(host::Session& session, const host::RenderCommand& render, const host::CommandLine& command)
 {
@@ -67,8 +111,19 @@ bool renderFrame(host::Session& session, const host::RenderCommand& render, cons
     settings.adjustCamera = [&](host::Camera& adjusted) { command.adjust(adjusted); };
     host::ProgressLine line("rendering frame " + std::to_string(frame));
     settings.progress = [&](double fraction) { line.show(fraction); };
+    Looking looking(command);
+    settings.inspections = looking.inspections();
+    settings.write = !command.probe;
     const auto begin = std::chrono::steady_clock::now();
-    host::render(session, render, settings);
+    try {
+        const bool finished = host::render(session, render, settings);
+        looking.print(frame, finished);
+        if (!finished)
+            return true;
+    } catch (...) {
+        looking.print(frame, false); // a probe up to where a shader failed
+        throw;
+    }
     const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - begin;
     std::array<char, 64> text{};
     std::snprintf(text.data(), text.size(), "frame %d rendered in %.1f seconds", frame, taken.count());

@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "host/render/picture.h"
 
+#include "host/render/inspection.h"
 #include "host/render/samples.h"
 #include "host/render/trace.h"
-#include "host/system/workers.h"
 #include "host/report/message.h"
+#include "host/system/workers.h"
 
 #include <algorithm>
 #include <atomic>
@@ -59,6 +60,10 @@ public:
             picture_.facts.resize(std::size_t(whole.xh) * whole.yh);
         for (int i = 0; i < threadCount(settings.threads); ++i)
             threads_.push_back(std::make_unique<RenderThread>(stage, network, i + 1));
+        for (Inspection* const inspection : settings.inspections)
+            for (std::size_t i = 0; i < threads_.size(); ++i)
+                if (Observer* const observer = inspection->observer(int(i)))
+                    threads_[i]->ts.observer = observer;
     }
 
     Picture run()

@@ -6,9 +6,11 @@
 #include "host/render/stage.h"
 
 #include <functional>
+#include <vector>
 
 namespace host {
 
+class Inspection;
 class Network;
 
 /// The pixels that the camera's window leaves. Throws Error for a picture or a window without pixels.
@@ -17,7 +19,8 @@ Rectangle pictureWindow(const Camera& camera);
 struct PictureSettings {
     int threads = 0; ///< 0: as many as the machine has
     bool facts = false;
-    std::function<void(double)> progress; ///< see RenderSettings
+    std::function<void(double)> progress;   ///< see RenderSettings
+    std::vector<Inspection*> inspections{}; ///< see RenderSettings
 };
 
 /// Samples the camera's window in square tiles, several at a time. The result depends neither on the number

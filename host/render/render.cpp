@@ -3,8 +3,8 @@
 
 #include "host/render/check.h"
 #include "host/render/image.h"
-#include "host/system/large_stack.h"
 #include "host/render/rendering.h"
+#include "host/system/large_stack.h"
 
 #include <new>
 #include <stdexcept>
@@ -44,7 +44,7 @@ const T& required(const Database& database, miTag tag, const RenderCommand& comm
     return *element;
 }
 
-void renderNow(Session& session, const RenderCommand& command, const RenderSettings& settings)
+bool renderNow(Session& session, const RenderCommand& command, const RenderSettings& settings)
 {
     const Database& database = session.database;
     Options options;
@@ -63,17 +63,22 @@ void renderNow(Session& session, const RenderCommand& command, const RenderSetti
     ImageFiles files;
     if (settings.write)
         files.prepare(camera, options);
-    files.write(renderPicture(session, command, camera, options,
-                              {settings.threads, files.wantFacts(), settings.progress}));
+    const std::optional<Picture> picture =
+        renderPicture(session, command, camera, options,
+                      {settings.threads, files.wantFacts(), settings.progress, settings.inspections});
+    if (picture)
+        files.write(*picture);
+    return picture.has_value();
 }
 
 } // namespace
 
-void render(Session& session, const RenderCommand& command, const RenderSettings& settings)
+bool render(Session& session, const RenderCommand& command, const RenderSettings& settings)
 {
+    bool finished = false;
     onLargeStack([&] {
         try {
-            renderNow(session, command, settings);
+            finished = renderNow(session, command, settings);
         } catch (const Error&) {
             throw;
         } catch (const std::bad_alloc&) {
@@ -84,6 +89,7 @@ void render(Session& session, const RenderCommand& command, const RenderSettings
             throw Error(command.where, other.what());
         }
     });
+    return finished;
 }
 
 } // namespace host

@@ -2,14 +2,15 @@
 #include "host/render/rendering.h"
 
 #include "host/render/geometry.h"
+#include "host/render/inspection.h"
+#include "host/shading/network.h"
 #include "host/system/scheduler.h"
 #include "host/system/workers.h"
-#include "host/shading/network.h"
 
 namespace host {
 
-Picture renderPicture(Session& session, const RenderCommand& command, const Camera& camera,
-                      const Options& options, const PictureSettings& settings)
+std::optional<Picture> renderPicture(Session& session, const RenderCommand& command, const Camera& camera,
+                                     const Options& options, const PictureSettings& settings)
 {
     pictureWindow(camera);
     // The index for intersection is built by threads that later run shaders.
@@ -24,6 +25,11 @@ Picture renderPicture(Session& session, const RenderCommand& command, const Came
     exitState.camera_inst = stage.cameraLeaf.tag;
     exitState.options = &options.record;
     network.setExitState(exitState);
+    bool goesOn = true;
+    for (Inspection* const inspection : settings.inspections)
+        goesOn = inspection->ready(stage, network) && goesOn;
+    if (!goesOn)
+        return std::nullopt;
     return takePicture(stage, network, settings);
 }
 

@@ -39,6 +39,9 @@ public:
     /// instance that names it, for a tag that is none.
     const Surface* add(miTag material, const Element& user);
 
+    /// All of them, by tag.
+    const std::map<miTag, Surface>& all() const { return surfaces_; }
+
     /// Appends all shaders of all materials.
     void collect(std::vector<Function*>& functions) const;
 

@@ -21,8 +21,10 @@ miBoolean call(Function& function, void* result, miState& state, void* argument)
 {
     if (!function.initialised.done())
         state.ts->network.initialise(function, state);
-    return guarded(function, state, "execute",
-                   [&] { return function.shader->execute(result, &state, function.parameters(), argument); });
+    Observation observation(state.ts->observer, function, Observer::Entry::execute, state, result);
+    return observation.returned(guarded(function, state, "execute", [&] {
+        return function.shader->execute(result, &state, function.parameters(), argument);
+    }));
 }
 
 miBoolean call(const Database& database, const ShaderList& list, void* result, miState& state)
@@ -39,16 +41,24 @@ void* evaluateConnected(miState& state, void* parameter)
     const miFunction& caller = *state.shader;
     miTag ghost;
     std::memcpy(&ghost, static_cast<const std::byte*>(parameter) + caller.ghost_offs, sizeof ghost);
-    const Connection& connection = Function::of(&caller).connections()[ghost - 1];
+    const Function& user = Function::of(&caller);
+    const Connection& connection = user.connections()[ghost - 1];
     Function& source = *connection.source;
     ResultCache& cache = *static_cast<ResultCache*>(state.cache);
     std::byte* const result = cache.result(source);
-    if (!cache.holds(source)) {
+    std::byte* const value = result + connection.memberOffset;
+    Observer* const observer = state.ts->observer;
+    const bool remembered = cache.holds(source);
+    if (observer)
+        observer->evaluating(user, connection);
+    if (!remembered) {
         cache.clear(source);
         call(source, result, state);
         cache.store(source);
     }
-    return result + connection.memberOffset;
+    if (observer)
+        observer->evaluated(user, connection, value, remembered);
+    return value;
 }
 
 void CallScope::reportPins()

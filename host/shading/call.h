@@ -3,6 +3,7 @@
 #pragma once
 
 #include "host/shading/function.h"
+#include "host/shading/observer.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -65,7 +66,8 @@ struct miTs {
 
     host::Network& network;
     const int number;
-    void* render = nullptr; ///< the renderer's own per-thread data, see render/
+    void* render = nullptr;             ///< the renderer's own per-thread data, see render/
+    host::Observer* observer = nullptr; ///< watches this thread's calls
 
     // Caches are taken and given back in the order of nested states, so the pool is a stack.
     std::vector<std::unique_ptr<host::ResultCache>> caches;

@@ -59,6 +59,7 @@ public:
 
     // Filled when a network is prepared for rendering (network.h).
     Shader* shader = nullptr;
+    std::size_t number = 0;       ///< its place in Network::functions
     std::size_t resultOffset = 0; ///< of its remembered result, see ResultCache
     Once initialised;             ///< ready to be called: its init has run, or it needs none
     void* userSlot = nullptr;     ///< the pointer that the instance's shader owns

@@ -108,7 +108,9 @@ Network::Network(const std::vector<Function*>& roots, Libraries& libraries)
 
     std::set<const Shader*> checked;
     std::set<const Function*> sources;
+    std::size_t number = 0;
     for (Function* const function : functions_) {
+        function->number = number++;
         function->shader = &libraries.resolve(function->declaration());
         if (checked.insert(function->shader).second) {
             libraries.checkVersion(*function->shader);
@@ -144,6 +146,7 @@ void Network::initialise(Function& function, miState& state)
     function.initialised.run([&] {
         if (!function.shader->wantsInstanceInit || !function.shader->init)
             return;
+        const Observation observation(state.ts->observer, function, Observer::Entry::instanceInit, state);
         guarded(function, state, "init", [&] {
             miBoolean ignored = miFALSE;
             function.shader->init(&state, function.parameters(), &ignored);
@@ -157,12 +160,14 @@ void Network::initialiseShader(Function& function, miState& state)
 {
     Shader& shader = *function.shader;
     shader.initialised.run([&] {
-        if (shader.init)
+        if (shader.init) {
+            const Observation observation(state.ts->observer, function, Observer::Entry::shaderInit, state);
             guarded(function, state, "init", [&] {
                 miBoolean request = miFALSE;
                 shader.init(&state, nullptr, &request);
                 shader.wantsInstanceInit = request != miFALSE;
             });
+        }
         const std::lock_guard guard(orderLock_);
         initialisedShaders_.push_back(&function);
     });

@@ -81,6 +81,17 @@ bool isDevice(const std::string& target)
     return fs::exists(status) && !fs::is_regular_file(status) && !fs::is_directory(status);
 }
 
+bool writeAll(int to, const char* bytes, std::size_t count)
+{
+    for (std::size_t written = 0; written < count;) {
+        const ssize_t now = write(to, bytes + written, count - written);
+        if (now < 0 && errno != EINTR)
+            return false;
+        written += std::size_t(std::max<ssize_t>(now, 0));
+    }
+    return true;
+}
+
 bool copy(int from, int to)
 {
     std::vector<char> block(1 << 20);
@@ -92,12 +103,8 @@ bool copy(int from, int to)
         if (count < 0)
             return false;
         offset += count;
-        for (ssize_t written = 0; written < count;) {
-            const ssize_t now = write(to, block.data() + written, std::size_t(count - written));
-            if (now < 0 && errno != EINTR)
-                return false;
-            written += std::max<ssize_t>(now, 0);
-        }
+        if (!writeAll(to, block.data(), std::size_t(count)))
+            return false;
     }
 }
 
@@ -153,6 +160,14 @@ void replaceFile(const std::string& name, const MemoryFile& contents)
         fsync(directory);
         close(directory);
     }
+}
+
+void replaceFile(const std::string& name, std::string_view contents)
+{
+    const MemoryFile file;
+    if (!writeAll(file.descriptor(), contents.data(), contents.size()))
+        fail(name);
+    replaceFile(name, file);
 }
 
 } // namespace host

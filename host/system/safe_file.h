@@ -5,6 +5,7 @@
 #include "host/report/error.h"
 
 #include <string>
+#include <string_view>
 
 namespace host {
 
@@ -32,5 +33,6 @@ void checkWritable(const std::string& name, const Location& where);
 /// it is safely on the disk; a device or pipe is written to as it is. Throws Error with the system's reason,
 /// and then nothing has changed.
 void replaceFile(const std::string& name, const MemoryFile& contents);
+void replaceFile(const std::string& name, std::string_view contents);
 
 } // namespace host

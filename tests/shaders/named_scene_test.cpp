@@ -67,7 +67,7 @@ render "root" "cam-i" "opt"
         const host::Database& database = session.database;
         const auto& camera = *database.findAs<host::Camera>(database.lookup("cam"));
         const auto& options = *database.findAs<host::Options>(command.options);
-        picture = host::renderPicture(session, command, camera, options, {settings.threads, false, {}});
+        picture = host::renderPicture(session, command, camera, options, {settings.threads, false, {}}).value();
     };
     host::readScene(session, text, "row");
     std::vector<miColor> colors;

@@ -168,3 +168,16 @@ TEST(CommandLine, InformationIsNoError)
     }
     EXPECT_NE(host::parseCommandLine({"-help"}).text.find("-file_name FILE"), std::string::npos);
 }
+
+TEST(CommandLine, LookingInside)
+{
+    const host::CommandLine command =
+        parse({"-probe", "12", "34", "--check", "-graph", "net.dot", "-profile", "a.mi"});
+    EXPECT_EQ(command.probe, (std::array<int, 2>{12, 34}));
+    EXPECT_TRUE(command.check);
+    EXPECT_TRUE(command.profile);
+    EXPECT_EQ(command.graph, "net.dot");
+    EXPECT_FALSE(parse({"a.mi"}).probe.has_value());
+    EXPECT_FALSE(parse({"a.mi"}).check);
+    usageError({"-probe", "12", "a.mi"});
+}

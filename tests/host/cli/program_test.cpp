@@ -475,3 +475,38 @@ TEST_F(Program, AFullDiskLosesNothing)
         EXPECT_EQ(::umount(disk.path().c_str()), 0) << std::strerror(errno);
     }
 }
+
+TEST_F(Program, CheckRendersNothing)
+{
+    const Outcome good = render(Scene(), {"-check"});
+    EXPECT_EQ(good.status, 0);
+    EXPECT_EQ(good.messages, "");
+    EXPECT_EQ(good.output,
+              "frame 0: 1 shader, 1 material, 0 lights, 1 object with 1 polygon in 1 place, nothing wrong\n");
+    EXPECT_EQ(folder.names(), std::vector<std::string>{"scene.mi"});
+    Scene bad;
+    bad.shaders = "color texture \"t\" \"absent.png\"\n" + bad.shaders;
+    bad.head += "link \"base.so\"\n$include <base.mi>\n";
+    bad.material = "material \"m\" \"mib_texture_lookup\" ( \"tex\" \"t\" ) end material\n";
+    expectError(render(bad, {"-check"}), {"absent.png"});
+}
+
+TEST_F(Program, ProbePrintsATreeAndRendersNothing)
+{
+    const Outcome outcome = render(Scene(), {"-probe", "1", "2"});
+    EXPECT_EQ(outcome.status, 0) << outcome.messages;
+    EXPECT_EQ(outcome.output.rfind("frame 0: pixel 1 2 ", 0), 0u) << outcome.output;
+    EXPECT_NE(outcome.output.find("\n|  gives 1 0 0 1\nsample = 1 0 0 1\n"), std::string::npos)
+        << outcome.output;
+    EXPECT_EQ(folder.names(), std::vector<std::string>{"scene.mi"});
+    expectError(render(Scene(), {"-probe", "4", "0"}), {"pixel 4 0", "4 by 4"});
+}
+
+TEST_F(Program, ProfileAndGraphComeWithThePicture)
+{
+    const Outcome outcome = render(Scene(), {"-profile", "-graph", "net.dot"});
+    EXPECT_EQ(outcome.status, 0) << outcome.messages;
+    EXPECT_NE(outcome.output.find("\n\"red\" vhConstColor_v2 "), std::string::npos) << outcome.output;
+    EXPECT_EQ(folder.names(), (std::vector<std::string>{"net.dot", "out.tif", "scene.mi"}));
+    EXPECT_EQ(folder.read("net.dot").rfind("digraph", 0), 0u);
+}

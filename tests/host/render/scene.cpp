@@ -165,7 +165,7 @@ host::Instance& Scene::place(host::Element& element, const miVector& at, host::G
 host::Picture Scene::render(int threads, bool facts)
 {
     const host::RenderCommand command = {root.tag, cameraInstance.tag, options.tag, {}};
-    return host::renderPicture(session, command, camera, options, {threads, facts, progress});
+    return host::renderPicture(session, command, camera, options, {threads, facts, progress}).value();
 }
 
 miColor Scene::look()
