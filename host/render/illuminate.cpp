@@ -65,6 +65,7 @@ Ray shadowRay(const miState& state, const LeafLight* light)
     ray.startInstance = state.instance;
     ray.startPolygon = state.pri;
     ray.light = state.light_instance;
+    ray.time = shutterFraction(state);
     if (light && light->directional()) {
         ray.direction = -normalised(state.dir);
         ray.far = std::numeric_limits<double>::infinity();

@@ -27,10 +27,21 @@ Mesh::Mesh(const Object& object) : object_(object)
     }
 }
 
-SurfacePoint Mesh::at(std::uint32_t triangle, float u, float v) const
+miVector Mesh::lastPosition(std::uint32_t vertex) const
+{
+    const Vertex& v = object_.vertices[vertex];
+    return v.motionCount ? position(vertex) + object_.vectors[object_.motionIndices[v.firstMotion]]
+                         : position(vertex);
+}
+
+SurfacePoint Mesh::at(std::uint32_t triangle, float u, float v, float time) const
 {
     const auto& [ia, ib, ic] = triangles_[triangle];
-    const miVector pa = position(ia), pb = position(ib), pc = position(ic);
+    const auto placed = [&](std::uint32_t vertex) {
+        const miVector first = position(vertex);
+        return time == 0.0f ? first : first + (lastPosition(vertex) - first) * time;
+    };
+    const miVector pa = placed(ia), pb = placed(ib), pc = placed(ic);
     SurfacePoint result;
     result.point = weighted(pa, pb, pc, u, v);
     result.geometric = crossDirection(pb - pa, pc - pa);

@@ -26,8 +26,12 @@ public:
     /// Where a vertex is.
     miVector position(std::uint32_t vertex) const { return object_.vectors[object_.vertices[vertex].point]; }
 
-    /// The place with these weights of the triangle's second and third vertex.
-    SurfacePoint at(std::uint32_t triangle, float u, float v) const;
+    /// Where a vertex is when the shutter closes: its first motion vector away.
+    miVector lastPosition(std::uint32_t vertex) const;
+
+    /// The place with these weights of the triangle's second and third vertex; `time` runs from 0 to 1 over
+    /// the shutter, 0 for what does not move.
+    SurfacePoint at(std::uint32_t triangle, float u, float v, float time) const;
 
     /// The texture vectors of that place, space 0 first; as many spaces as all three vertices have.
     void textures(std::uint32_t triangle, float u, float v, std::vector<miVector>& result) const;

@@ -41,7 +41,8 @@ struct SamplePosition {
     float time; ///< 0 to 1 over the shutter
 };
 
-/// Sample `index` of a pixel: the centre of its cell, moved within it by up to half of it with jitter 1.
+/// Sample `index` of a pixel: the centre of its cell, moved within it by up to half of it with jitter 1. The
+/// shutter's time is cut into as many parts as there are samples, and each takes one of them.
 inline SamplePosition samplePosition(int x, int y, const PixelGrid& grid, int index, float jitter)
 {
     const auto px = std::uint32_t(x), py = std::uint32_t(y);
@@ -50,8 +51,14 @@ inline SamplePosition samplePosition(int x, int y, const PixelGrid& grid, int in
     const float dx = jitter * (unit(px, py, seed, 0) - 0.5f);
     const float dy = jitter * (unit(px, py, seed, 1) - 0.5f);
     const float cell = 1.0f / float(grid.side);
+    // An odd factor permutes the parts, whose number is a power of 2: otherwise time would run with the
+    // place.
+    const std::uint32_t factor = mixed(px, py, std::uint32_t(grid.side), 3) | 1u;
+    const std::uint32_t first = mixed(px, py, std::uint32_t(grid.side), 4);
+    const std::uint32_t part = (factor * std::uint32_t(index) + first) & std::uint32_t(grid.count() - 1);
+    const float time = (float(part) + unit(px, py, seed, 2)) / float(grid.count());
     return {float(x) + (float(index % grid.side) + 0.5f + dx) * cell,
-            float(y) + (float(index / grid.side) + 0.5f + dy) * cell, unit(px, py, seed, 2)};
+            float(y) + (float(index / grid.side) + 0.5f + dy) * cell, time};
 }
 
 } // namespace host

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "host/render/stage.h"
 
-#include "host/report/message.h"
 #include "host/shading/network.h"
 
 namespace host {
@@ -34,32 +33,19 @@ bool compositesOpacity(const Options& options)
     return !on || *on;
 }
 
-void warnOfMotion(const Options& options, const Leaves& leaves, const Database& database)
-{
-    if (options.record.shutter <= 0.0f)
-        return;
-    for (const Instance* const leaf : leaves.objects()) {
-        const auto& object = static_cast<const Object&>(*database.find(leaf->record.item));
-        if (leaf->hasMotion || (leaf->record.gen_motion != stopsMotion && !object.motionIndices.empty())) {
-            message(Level::warning, "RC", "motion is passed to shaders, but moving objects are not blurred");
-            return;
-        }
-    }
-}
-
 } // namespace
 
 Stage::Stage(Session& session, const RenderCommand& command, const Camera& theCamera,
              const Options& theOptions)
     : database(session.database), options(theOptions), camera(supported(theCamera, theOptions)),
       leaves(session.database, command.root), cameraLeaf(placed(leaves, command)),
-      rays(camera.record, cameraLeaf.record), surfaces(database), world(database, leaves, surfaces),
+      rays(camera.record, cameraLeaf.record), surfaces(database),
+      world(database, leaves, surfaces, options.record.motion && options.record.shutter > 0.0f),
       lights(database, leaves), environment(functionsOf(database, camera.environment, camera)),
       textures(database, session.paths), compositesOpacity(host::compositesOpacity(theOptions))
 {
     if (!options.record.no_lens)
         lenses = functionsOf(database, camera.lens, camera);
-    warnOfMotion(options, leaves, database);
 }
 
 std::vector<Function*> Stage::roots() const

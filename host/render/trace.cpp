@@ -139,6 +139,7 @@ Ray eyeRay(const miState& state)
     ray.seenBy = seenByEye;
     ray.face = state.options->face ? state.options->face : 'a';
     ray.faceMatters = true;
+    ray.time = shutterFraction(state);
     return ray;
 }
 
@@ -163,12 +164,14 @@ PixelFacts facts(const CameraRays& rays, const miState& state)
 
 /// How far a place on a surface moves while the shutter is open: with the object's motion vectors, and with
 /// the instances above it.
-miVector motionOf(const Instance& leaf, const SurfacePoint& place)
+miVector motionOf(const Body& body, const SurfacePoint& place, float time)
 {
+    const Instance& leaf = *body.leaf;
     if (leaf.record.gen_motion == stopsMotion)
         return {0.0f, 0.0f, 0.0f};
+    const miVector first = body.model->moves ? place.point - place.motion * time : place.point;
     return transformVector(place.motion, leaf.record.tf.local_to_global) +
-           transformPoint(place.point + place.motion, leaf.drift);
+           transformPoint(first + place.motion, leaf.drift);
 }
 
 /// True when the state's surface may cast such rays, and its levels allow one more.
@@ -190,6 +193,14 @@ bool mayCast(const RenderThread& thread, const miState& state, miRay_type type)
 
 } // namespace
 
+float shutterFraction(const miState& state)
+{
+    const miOptions& options = *state.options;
+    const float open = options.shutter - options.shutter_delay;
+    return options.motion && open > 0.0f ? std::clamp((state.time - options.shutter_delay) / open, 0.0f, 1.0f)
+                                         : 0.0f;
+}
+
 double startDistance(const miVector& point)
 {
     constexpr double roundings = 32.0 * std::numeric_limits<float>::epsilon();
@@ -201,12 +212,11 @@ void setHit(Frame& frame, const miVector& direction, const Hit& hit, bool flip)
     miState& state = frame.state;
     const Body& body = *hit.body;
     const Mesh& mesh = body.model->mesh;
-    const miTransform& tf = body.leaf->record.tf;
-    const SurfacePoint place = mesh.at(hit.triangle, hit.u, hit.v);
-    state.point = transformPoint(place.point, tf.local_to_global);
-    state.normal = normalised(transformNormal(place.normal, tf.global_to_local));
-    state.normal_geom = normalised(transformNormal(place.geometric, tf.global_to_local));
-    state.motion = motionOf(*body.leaf, place);
+    const SurfacePoint place = body.at(hit.triangle, hit.u, hit.v, hit.time);
+    state.point = body.pointToWorld(place.point, hit.time);
+    state.normal = normalised(body.normalToWorld(place.normal, hit.time));
+    state.normal_geom = normalised(body.normalToWorld(place.geometric, hit.time));
+    state.motion = motionOf(body, place, hit.time);
     const bool back = dot(state.normal_geom, direction) > 0.0;
     state.inv_normal = flip && back;
     if (state.inv_normal) {
@@ -330,6 +340,7 @@ miBoolean traceSecondary(miColor& result, miState& state, const miVector& direct
                                          : seenByTransparency;
     ray.startInstance = state.instance;
     ray.startPolygon = state.pri;
+    ray.time = shutterFraction(state);
     clearHit(child);
     return shade(thread, *frame, ray, result);
 }

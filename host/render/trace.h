@@ -48,6 +48,9 @@ void setOpacity(miState& state, const miColor& opacity);
 /// turned against it.
 void setHit(Frame& frame, const miVector& direction, const Hit& hit, bool flip);
 
+/// The state's time, from 0 when the shutter opens to 1 when it closes; 0 without motion blur.
+float shutterFraction(const miState& state);
+
 /// How far rays that start at a surface keep off it: a few roundings of its coordinates.
 double startDistance(const miVector& point);
 

@@ -71,6 +71,24 @@ inline miVector transformNormal(miVector n, const miMatrix inverse)
 /// A matrix while it is being composed along an instance path.
 using Matrix = std::array<double, 16>;
 
+/// A normal taken along with points by their own matrix, which need not be invertible. Not normalised.
+inline miVector turnNormal(miVector n, const Matrix& m)
+{
+    // Cofactors are the transposed inverse but for the determinant, of which the sign matters.
+    const auto cofactor = [&](int row, int column) {
+        const int r1 = (row + 1) % 3 * 4, r2 = (row + 2) % 3 * 4, c1 = (column + 1) % 3,
+                  c2 = (column + 2) % 3;
+        return m[r1 + c1] * m[r2 + c2] - m[r1 + c2] * m[r2 + c1];
+    };
+    const double determinant = m[0] * cofactor(0, 0) + m[1] * cofactor(0, 1) + m[2] * cofactor(0, 2);
+    const double sign = determinant < 0.0 ? -1.0 : 1.0;
+    const auto component = [&](int column) {
+        return float(sign *
+                     (n.x * cofactor(0, column) + n.y * cofactor(1, column) + n.z * cofactor(2, column)));
+    };
+    return {component(0), component(1), component(2)};
+}
+
 inline constexpr Matrix identityMatrix = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
 
 /// First `a`, then `b`.

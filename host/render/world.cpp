@@ -48,14 +48,31 @@ RTCRay toEmbree(const Ray& ray)
     r.dir_z = ray.direction.z;
     r.tnear = float(ray.near);
     r.tfar = float(ray.far);
+    r.time = ray.time;
     r.mask = ~0u;
     return r;
 }
 
 } // namespace
 
-World::World(const Database& database, const Leaves& leaves, Surfaces& surfaces)
-    : device_(rtcNewDevice(nullptr))
+miVector Body::pointToWorld(const miVector& point, float time) const
+{
+    const miVector first = transformPoint(point, leaf->record.tf.local_to_global);
+    return moves ? first + transformPoint(point, leaf->drift) * time : first;
+}
+
+miVector Body::normalToWorld(const miVector& normal, float time) const
+{
+    if (!moves)
+        return transformNormal(normal, leaf->record.tf.global_to_local);
+    Matrix now = widened(leaf->record.tf.local_to_global);
+    for (std::size_t i = 0; i < now.size(); ++i)
+        now[i] += double(leaf->drift[i]) * time;
+    return turnNormal(normal, now);
+}
+
+World::World(const Database& database, const Leaves& leaves, Surfaces& surfaces, bool blurs)
+    : device_(rtcNewDevice(nullptr)), blurs_(blurs)
 {
     try {
         check();
@@ -76,7 +93,7 @@ World::~World() { release(); }
 
 void World::release()
 {
-    for (const auto& [tag, model] : models_)
+    for (const auto& [key, model] : models_)
         if (model->scene)
             rtcReleaseScene(model->scene);
     if (scene_)
@@ -102,7 +119,8 @@ void World::check() const
 void World::add(const Instance& leaf, const Database& database, const Leaves& leaves, Surfaces& surfaces)
 {
     const auto& object = static_cast<const Object&>(*database.find(leaf.record.item));
-    const Model& shared = model(object, surfaces);
+    const bool vertices = blurs_ && leaf.record.gen_motion != stopsMotion && !object.motionIndices.empty();
+    const Model& shared = model(object, surfaces, vertices);
     Body& body = bodies_.emplace_back();
     byTag_[leaf.tag] = &body;
     body.leaf = &leaf;
@@ -110,6 +128,7 @@ void World::add(const Instance& leaf, const Database& database, const Leaves& le
     body.rays = rayBits(object, leaf.record);
     body.overrides = leaf.record.mtl_override;
     body.face = leaf.record.face ? leaf.record.face : object.face;
+    body.moves = blurs_ && leaf.hasMotion;
     for (const miTag material : leaf.materials)
         body.materials.push_back(surfaces.add(material, *database.find(leaf.record.parent)));
     if (leaf.hasShadowLights) {
@@ -126,18 +145,26 @@ void World::add(const Instance& leaf, const Database& database, const Leaves& le
     rtcSetGeometryInstancedScene(geometry, shared.scene);
     // Row vectors times a row-major matrix are column vectors times a column-major one: the same sixteen
     // numbers.
+    if (body.moves) {
+        miMatrix last;
+        for (int i = 0; i < 16; ++i)
+            last[i] = leaf.record.tf.local_to_global[i] + leaf.drift[i];
+        rtcSetGeometryTimeStepCount(geometry, 2);
+        rtcSetGeometryTransform(geometry, 1, RTC_FORMAT_FLOAT4X4_COLUMN_MAJOR, last);
+    }
     rtcSetGeometryTransform(geometry, 0, RTC_FORMAT_FLOAT4X4_COLUMN_MAJOR, leaf.record.tf.local_to_global);
     rtcCommitGeometry(geometry);
     rtcAttachGeometryByID(scene_, geometry, unsigned(bodies_.size() - 1));
     rtcReleaseGeometry(geometry);
 }
 
-const Model& World::model(const Object& object, Surfaces& surfaces)
+const Model& World::model(const Object& object, Surfaces& surfaces, bool moves)
 {
-    std::unique_ptr<Model>& model = models_[object.tag];
+    std::unique_ptr<Model>& model = models_[{object.tag, moves}];
     if (model)
         return *model;
     model = std::make_unique<Model>(object);
+    model->moves = moves;
     for (const Polygon& polygon : object.polygons)
         model->own.push_back(surfaces.add(polygon.material, object));
     const std::vector<Triangle>& triangles = model->mesh.triangles();
@@ -145,13 +172,21 @@ const Model& World::model(const Object& object, Surfaces& surfaces)
         return *model;
 
     const RTCGeometry geometry = rtcNewGeometry(device_, RTC_GEOMETRY_TYPE_TRIANGLE);
-    void* const vertices = rtcSetNewGeometryBuffer(geometry, RTC_BUFFER_TYPE_VERTEX, 0, RTC_FORMAT_FLOAT3,
-                                                   sizeof(miVector), object.vertices.size());
+    rtcSetGeometryTimeStepCount(geometry, moves ? 2 : 1);
+    const auto vertices = [&](unsigned step) {
+        return static_cast<miVector*>(rtcSetNewGeometryBuffer(geometry, RTC_BUFFER_TYPE_VERTEX, step,
+                                                              RTC_FORMAT_FLOAT3, sizeof(miVector),
+                                                              object.vertices.size()));
+    };
+    miVector* const first = vertices(0);
+    miVector* const last = moves ? vertices(1) : nullptr;
     void* const indices = rtcSetNewGeometryBuffer(geometry, RTC_BUFFER_TYPE_INDEX, 0, RTC_FORMAT_UINT3,
                                                   sizeof(Triangle), triangles.size());
     check();
     for (std::uint32_t i = 0; i < object.vertices.size(); ++i)
-        static_cast<miVector*>(vertices)[i] = model->mesh.position(i);
+        first[i] = model->mesh.position(i);
+    for (std::uint32_t i = 0; moves && i < object.vertices.size(); ++i)
+        last[i] = model->mesh.lastPosition(i);
     std::copy(triangles.begin(), triangles.end(), static_cast<Triangle*>(indices));
     rtcSetGeometryIntersectFilterFunction(geometry, filterNearest);
     rtcSetGeometryOccludedFilterFunction(geometry, filterOccluders);
@@ -173,15 +208,15 @@ bool World::candidate(const RTCFilterFunctionNArguments& arguments, const Query&
     hit.u = RTCHitN_u(arguments.hit, 1, 0);
     hit.v = RTCHitN_v(arguments.hit, 1, 0);
     hit.distance = RTCRayN_tfar(arguments.ray, 1, 0);
+    hit.time = ray.time;
     if (!(hit.body->rays & ray.seenBy))
         return false;
     if (ray.startPolygon == &hit.polygon() && ray.startInstance == hit.body->tag())
         return false;
     const char bodyFace = ray.faceMatters ? hit.body->face : 'a';
     if (ray.face != 'a' || bodyFace != 'a') {
-        const miVector normal = hit.body->model->mesh.at(hit.triangle, hit.u, hit.v).geometric;
-        const bool front =
-            dot(transformNormal(normal, hit.body->leaf->record.tf.global_to_local), ray.direction) < 0.0;
+        const miVector normal = hit.body->at(hit.triangle, hit.u, hit.v, hit.time).geometric;
+        const bool front = dot(hit.body->normalToWorld(normal, hit.time), ray.direction) < 0.0;
         return sideSeen(ray.face, front) && sideSeen(bodyFace, front);
     }
     return true;
@@ -229,7 +264,8 @@ bool World::nearest(const Ray& ray, Hit& hit) const
     rtcIntersect1(scene_, &query.context, &found);
     if (found.hit.geomID == RTC_INVALID_GEOMETRY_ID)
         return false;
-    hit = {&bodies_[found.hit.instID[0]], found.hit.primID, found.hit.u, found.hit.v, found.ray.tfar};
+    hit = {
+        &bodies_[found.hit.instID[0]], found.hit.primID, found.hit.u, found.hit.v, found.ray.tfar, ray.time};
     return true;
 }
 

@@ -8,8 +8,10 @@
 
 #include <embree3/rtcore.h>
 
+#include <map>
 #include <memory>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 namespace host {
@@ -21,6 +23,7 @@ struct Model {
     Mesh mesh;
     std::vector<const Surface*> own; ///< by polygon; null where none is named
     RTCScene scene = nullptr;
+    bool moves = false; ///< with its vertices' motion vectors, while the shutter is open
 };
 
 /// An object seen through one leaf instance.
@@ -33,8 +36,18 @@ struct Body {
     std::vector<const Surface*> materials; ///< inherited
     std::vector<miTag> shadowLights;       ///< leaf lights, sorted
     char face = 'a';                       ///< 'f', 'b' or 'a'
+    bool moves = false;                    ///< its instances do, while the shutter is open
 
     miTag tag() const { return leaf->tag; }
+
+    /// Of a place on the body, in its own space, for a time from 0 to 1 over the shutter.
+    SurfacePoint at(std::uint32_t triangle, float u, float v, float time) const
+    {
+        return model->mesh.at(triangle, u, v, model->moves ? time : 0.0f);
+    }
+    /// From the body's own space to the world. Normals are not unit length afterwards.
+    miVector pointToWorld(const miVector& point, float time) const;
+    miVector normalToWorld(const miVector& normal, float time) const;
 };
 
 /// Where a ray met a body.
@@ -43,6 +56,7 @@ struct Hit {
     std::uint32_t triangle = 0;
     float u = 0.0f, v = 0.0f;
     float distance = 0.0f;
+    float time = 0.0f; ///< the ray's
 
     const Polygon& polygon() const { return body->model->mesh.polygon(triangle); }
 };
@@ -58,13 +72,16 @@ struct Ray {
     bool faceMatters = false; ///< bodies' own faces count too: eye rays
     miTag startInstance = 0;  ///< with `startPolygon`: where the ray starts, not to be met again
     const void* startPolygon = nullptr;
-    miTag light = 0; ///< for shadow rays: the leaf light
+    miTag light = 0;   ///< for shadow rays: the leaf light
+    float time = 0.0f; ///< from 0 to 1 over the shutter
 };
 
 /// The bodies of one rendering, behind an index for intersection. Safe from any thread once it is built.
 class World {
 public:
-    World(const Database& database, const Leaves& leaves, Surfaces& surfaces);
+    /// `blurs`: what moves while the shutter is open is met where it is at a ray's time; otherwise where it
+    /// is when the shutter opens.
+    World(const Database& database, const Leaves& leaves, Surfaces& surfaces, bool blurs);
     ~World();
     World(const World&) = delete;
     World& operator=(const World&) = delete;
@@ -89,15 +106,16 @@ private:
     static void filterOccluders(const RTCFilterFunctionNArguments* arguments);
     static bool candidate(const RTCFilterFunctionNArguments& arguments, const Query& query, Hit& hit);
 
-    const Model& model(const Object& object, Surfaces& surfaces);
+    const Model& model(const Object& object, Surfaces& surfaces, bool moves);
     void add(const Instance& leaf, const Database& database, const Leaves& leaves, Surfaces& surfaces);
     void check() const;
     void release();
 
     RTCDevice device_ = nullptr;
     RTCScene scene_ = nullptr;
-    std::unordered_map<miTag, std::unique_ptr<Model>> models_;
-    std::vector<Body> bodies_; ///< by the instance number in `scene_`
+    const bool blurs_;
+    std::map<std::pair<miTag, bool>, std::unique_ptr<Model>> models_; ///< by object, and whether they move
+    std::vector<Body> bodies_;                                        ///< by the instance number in `scene_`
     std::unordered_map<miTag, const Body*> byTag_;
 };
 

@@ -70,13 +70,6 @@ miVector unit(double x, double y, double z)
     return {float(x / norm), float(y / norm), float(z / norm)};
 }
 
-/// Keeps the renderer from telling with each picture that it blurs no motion.
-struct Quiet {
-    Quiet() { host::setVerbosity(int(host::Level::error)); }
-    ~Quiet() { host::setVerbosity(before); }
-    int before = host::verbosity();
-};
-
 /// One pixel, the one at (3, 1), of a picture of 4 by 2, 90 degrees wide: its ray has the direction
 /// (3/4, 1/4, -1).
 struct Stated : test::Scene {
@@ -180,7 +173,6 @@ struct Stated : test::Scene {
     }
 
     std::map<std::string, StateFacts> seen;
-    Quiet quiet;
 };
 
 void expectNear(const char* what, const miVector& v, const miVector& expected)
