@@ -270,6 +270,16 @@ private:
             made->expected(1)->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
     }
 
+    void setFrames(const Strings& texts)
+    {
+        const int from = numberValue<int>(texts[0]);
+        const int to = texts.size() > 1 ? numberValue<int>(texts[1]) : from;
+        const int step = texts.size() > 2 ? numberValue<int>(texts[2]) : 1;
+        if (step < 1)
+            throw CLI::ValidationError("the step between frames must be at least 1");
+        result_.frames = {from, to, step};
+    }
+
     void general()
     {
         group_ = "General";
@@ -286,18 +296,14 @@ private:
                });
         option("--threads", 1, 1, "N", "rendering threads (default: as many as the machine has)",
                [this](const Strings& texts) { result_.threads = numberWithin(texts[0], 0, 1024); });
-        option("--render", 1, 3, "on|off|FROM [TO [STEP]]",
-               "off: read and check only; or frames by their numbers", [this](const Strings& texts) {
-                   if (!isNumber(texts[0])) {
+        option("--frame", 1, 3, "FROM [TO [STEP]]", "render only the frames of these numbers",
+               [this](const Strings& texts) { setFrames(texts); });
+        option("--render", 1, 3, "on|off|FROM [TO [STEP]]", "off: read only; or as -frame",
+               [this](const Strings& texts) {
+                   if (isNumber(texts[0]))
+                       setFrames(texts);
+                   else
                        result_.render = wordValue(switchWords, texts[0]);
-                       return;
-                   }
-                   const int from = numberValue<int>(texts[0]);
-                   const int to = texts.size() > 1 ? numberValue<int>(texts[1]) : from;
-                   const int step = texts.size() > 2 ? numberValue<int>(texts[2]) : 1;
-                   if (step < 1)
-                       throw CLI::ValidationError("the step between frames must be at least 1");
-                   result_.frames = {from, to, step};
                });
         list("--link", "LIB... --", "shader libraries to load before the scene", result_.libraries, true);
         list("-I,--include_path", "DIR", "where $include looks; may be repeated", result_.includePath, false);

@@ -181,3 +181,13 @@ TEST(CommandLine, LookingInside)
     EXPECT_FALSE(parse({"a.mi"}).check);
     usageError({"-probe", "12", "a.mi"});
 }
+
+TEST(CommandLine, FramesUnderBothNames)
+{
+    EXPECT_EQ(parse({"-frame", "3", "a.mi"}).frames, (std::array<int, 3>{3, 3, 1}));
+    EXPECT_EQ(parse({"--frame", "3", "9", "2", "a.mi"}).frames,
+              parse({"-render", "3", "9", "2", "a.mi"}).frames);
+    EXPECT_EQ(parse({"-frame", "3", "9", "2", "a.mi"}).scenes, (Strings{"a.mi"}));
+    usageError({"-frame", "on", "a.mi"});
+    usageError({"-frame", "1", "2", "0", "a.mi"});
+}
