@@ -27,6 +27,11 @@ struct Reflect {
     miBoolean notrace;
 };
 
+struct Fade {
+    miColor color;
+    miScalar max;
+};
+
 struct Refract {
     miColor input;
     miColor refract;
@@ -117,6 +122,19 @@ BASE_ENTRY miBoolean mib_refract(miColor* result, miState* state, Refract* p)
     const float ior = read(state, p->ior);
     return blend(result, state, p->input, refract,
                  [&](miColor* seen) { traceThrough(seen, state, ior != 0.0f ? ior : 1.0f); });
+}
+
+BASE_VERSION(mib_volume, 1)
+BASE_ENTRY miBoolean mib_volume(miColor* result, miState* state, Fade* p)
+{
+    const miColor color = read(state, p->color);
+    const float max = read(state, p->max);
+    const float dist = float(state->dist);
+    // A ray that meets nothing is as long as can be.
+    const float share = dist <= 0.0f || dist >= max ? 1.0f : dist / max;
+    *result = {result->r * (1.0f - share) + color.r * share, result->g * (1.0f - share) + color.g * share,
+               result->b * (1.0f - share) + color.b * share, result->a * (1.0f - share) + color.a * share};
+    return miTRUE;
 }
 
 } // namespace host::base

@@ -162,6 +162,7 @@ std::string Graph::text(const Stage& stage, const Network& network)
         Drawing::Root camera(drawing, *stage.database.find(stage.cameraLeaf.record.item));
         camera.list("lens", stage.lenses);
         camera.list("environment", stage.environment);
+        camera.list("volume", stage.volume);
     }
     std::vector<const Light*> lights;
     for (const LeafLight& leaf : stage.lights.all()) {
@@ -175,6 +176,7 @@ std::string Graph::text(const Stage& stage, const Network& network)
         material.list("shader", surface.shader);
         material.list("shadow", surface.shadow);
         material.list("environment", surface.environment);
+        material.list("volume", surface.volume);
     }
     return drawing.text();
 }

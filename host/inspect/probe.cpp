@@ -93,7 +93,7 @@ private:
     struct Call {
         const miState* state;
         bool shown;
-        std::string head; ///< its first line, empty when that is written
+        std::string head;       ///< its first line, empty when that is written
         const Connection* asks; ///< what it waits for
         std::vector<const Connection*> read;
     };
@@ -129,11 +129,26 @@ private:
                                " at " + vectorText(state.point);
         if (state.type == miRAY_SHADOW)
             return "shadow of " + at;
+        if (isVolume(function))
+            return "volume, " + ray + " from " + vectorText(state.org) + " towards " + vectorText(state.dir) +
+                   (state.dist > 0.0 ? " as far as " + numberText(float(state.dist)) : "");
         if (state.pri)
             return at;
-        const FunctionList& lenses = stage_.lenses;
-        const bool isLens = std::find(lenses.begin(), lenses.end(), &function) != lenses.end();
-        return (isLens ? "lens, " : "environment, ") + ray + " towards " + vectorText(state.dir);
+        return (isIn(stage_.lenses, function) ? "lens, " : "environment, ") + ray + " towards " +
+               vectorText(state.dir);
+    }
+
+    static bool isIn(const FunctionList& list, const Function& function)
+    {
+        return std::find(list.begin(), list.end(), &function) != list.end();
+    }
+
+    bool isVolume(const Function& function) const
+    {
+        const auto& surfaces = stage_.surfaces.all();
+        return isIn(stage_.volume, function) ||
+               std::any_of(surfaces.begin(), surfaces.end(),
+                           [&](const auto& entry) { return isIn(entry.second.volume, function); });
     }
 
     /// Writes a line of the running call, behind the heads that are due.

@@ -15,14 +15,6 @@ Instance& placed(const Leaves& leaves, const RenderCommand& command)
     return *leaf;
 }
 
-const Camera& supported(const Camera& camera, const Options& options)
-{
-    if (!camera.volume.empty() && !options.record.no_volume)
-        throw Error(camera.where,
-                    "camera \"" + camera.name + "\" has a volume shader; volume shaders are not supported");
-    return camera;
-}
-
 /// The string option "composite opacity", which is on unless the scene says otherwise.
 bool compositesOpacity(const Options& options)
 {
@@ -37,7 +29,7 @@ bool compositesOpacity(const Options& options)
 
 Stage::Stage(Session& session, const RenderCommand& command, const Camera& theCamera,
              const Options& theOptions)
-    : database(session.database), options(theOptions), camera(supported(theCamera, theOptions)),
+    : database(session.database), options(theOptions), camera(theCamera),
       leaves(session.database, command.root), cameraLeaf(placed(leaves, command)),
       rays(camera.record, cameraLeaf.record), surfaces(database),
       world(database, leaves, surfaces, options.record.motion && options.record.shutter > 0.0f),
@@ -46,12 +38,15 @@ Stage::Stage(Session& session, const RenderCommand& command, const Camera& theCa
 {
     if (!options.record.no_lens)
         lenses = functionsOf(database, camera.lens, camera);
+    if (!options.record.no_volume)
+        volume = functionsOf(database, camera.volume, camera);
 }
 
 std::vector<Function*> Stage::roots() const
 {
     std::vector<Function*> functions = lenses;
-    functions.insert(functions.end(), environment.begin(), environment.end());
+    for (const FunctionList* const list : {&environment, &volume})
+        functions.insert(functions.end(), list->begin(), list->end());
     surfaces.collect(functions);
     lights.collect(functions);
     return functions;

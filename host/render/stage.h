@@ -30,6 +30,7 @@ public:
     Lights lights;
     FunctionList lenses;
     FunctionList environment;
+    FunctionList volume; ///< the camera's: of the space that no material encloses
     Textures textures;
     bool compositesOpacity; ///< eye rays go on behind surfaces that set an opacity below 1
 

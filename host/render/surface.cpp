@@ -35,21 +35,26 @@ const Surface* Surfaces::add(miTag tag, const Element& user)
     const auto* const material = database_.findAs<Material>(tag);
     if (!material)
         throw Error(user.where, "\"" + user.name + "\" has a material that was deleted or is none");
-    if (!material->volume.empty())
-        throw Error(material->where, "material \"" + material->name +
-                                         "\" has a volume shader; volume shaders are not supported");
     surface.tag = tag;
     surface.opaque = material->record.opaque;
     surface.shader = functionsOf(database_, material->shader, *material);
     surface.shadow = functionsOf(database_, material->shadow, *material);
     surface.environment = functionsOf(database_, material->environment, *material);
+    surface.volume = functionsOf(database_, material->volume, *material);
     return &surface;
+}
+
+const Surface* Surfaces::find(miTag material) const
+{
+    const auto found = surfaces_.find(material);
+    return found == surfaces_.end() ? nullptr : &found->second;
 }
 
 void Surfaces::collect(std::vector<Function*>& functions) const
 {
     for (const auto& [tag, surface] : surfaces_)
-        for (const FunctionList* const list : {&surface.shader, &surface.shadow, &surface.environment})
+        for (const FunctionList* const list :
+             {&surface.shader, &surface.shadow, &surface.environment, &surface.volume})
             functions.insert(functions.end(), list->begin(), list->end());
 }
 

@@ -28,6 +28,7 @@ struct Surface {
     FunctionList shader;
     FunctionList shadow;
     FunctionList environment;
+    FunctionList volume; ///< of the space behind the surface
 };
 
 /// The materials of one rendering. Read-only, and safe from any thread, once everything was added.
@@ -38,6 +39,9 @@ public:
     /// Adds the material on first use; null for the null tag. Throws Error, with the place of the object or
     /// instance that names it, for a tag that is none.
     const Surface* add(miTag material, const Element& user);
+
+    /// The material of that tag, or null.
+    const Surface* find(miTag material) const;
 
     /// All of them, by tag.
     const std::map<miTag, Surface>& all() const { return surfaces_; }

@@ -27,6 +27,7 @@ inline constexpr std::size_t mostNestedRays = 4096;
 struct Frame {
     miState state;
     const FunctionList* environment = nullptr; ///< the whole list behind state.environment
+    const FunctionList* volume = nullptr;      ///< and behind state.volume
     std::optional<miColor> opacity;            ///< as its shaders have set it
     std::vector<miVector> textures;
     std::vector<Hit> occluders;

@@ -33,34 +33,47 @@ void clearHit(miState& state)
     std::fill(std::begin(state.bary), std::end(state.bary), 0.0f);
 }
 
-/// A child of the state in the frame: a copy, but for what every new ray sets.
-void beginChild(Frame& frame, miState& parent, const FunctionList* environment, miRay_type type)
+/// A child of the outer frame's state in the frame: a copy, but for what every new ray sets.
+void beginChild(Frame& frame, miState& parent, const Frame& outer, miRay_type type)
 {
     frame.state = parent;
     frame.state.parent = &parent;
     frame.state.child = nullptr;
     frame.state.type = type;
-    frame.environment = environment;
+    frame.environment = outer.environment;
+    frame.volume = outer.volume;
     parent.child = &frame.state;
+}
+
+/// Calls what a tag of the frame's state stands for: the list that begins with it, or a single shader that
+/// another one has put there.
+miBoolean callSurrounding(RenderThread& thread, Frame& frame, miTag tag, const FunctionList* list,
+                          miColor& result)
+{
+    if (tag == miNULLTAG)
+        return miFALSE;
+    const StateScope scope(frame.state);
+    if (list && !list->empty() && list->front()->tag == tag)
+        return callAll(*list, &result, frame.state);
+    auto* const other = thread.stage.database.findAs<Function>(tag);
+    return other ? call(*other, &result, frame.state) : miFALSE;
 }
 
 miBoolean callEnvironment(RenderThread& thread, Frame& frame, miColor& result)
 {
-    miState& state = frame.state;
-    clearHit(state);
-    if (state.environment == miNULLTAG)
-        return miFALSE;
-    const StateScope scope(state);
-    // A shader may have put another environment into its state; that is a single one.
-    const FunctionList* const list = frame.environment;
-    if (list && !list->empty() && list->front()->tag == state.environment)
-        return callAll(*list, &result, state);
-    auto* const other = thread.stage.database.findAs<Function>(state.environment);
-    return other ? call(*other, &result, state) : miFALSE;
+    clearHit(frame.state);
+    return callSurrounding(thread, frame, frame.state.environment, frame.environment, result);
+}
+
+/// The space that a frame's rays run through.
+void enter(Frame& frame, const FunctionList& volume)
+{
+    frame.volume = &volume;
+    frame.state.volume = volume.empty() ? miNULLTAG : volume.front()->tag;
 }
 
 /// Looks for the nearest hit of the frame's ray and lets its material shade it; a miss is the environment's.
-miBoolean shade(RenderThread& thread, Frame& frame, const Ray& ray, miColor& result)
+miBoolean shadeHit(RenderThread& thread, Frame& frame, const Ray& ray, miColor& result)
 {
     result = black;
     Hit hit;
@@ -75,6 +88,16 @@ miBoolean shade(RenderThread& thread, Frame& frame, const Ray& ray, miColor& res
     }
     const StateScope scope(frame.state);
     return callAll(surface.shader, &result, frame.state);
+}
+
+/// The same, seen through the volume that the ray has crossed.
+miBoolean shade(RenderThread& thread, Frame& frame, const Ray& ray, miColor& result)
+{
+    const miTag volume = frame.state.volume;
+    const FunctionList* const list = frame.volume;
+    const miBoolean found = shadeHit(thread, frame, ray, result);
+    const miBoolean seen = callSurrounding(thread, frame, volume, list, result);
+    return found ? found : seen;
 }
 
 /// True when something behind would be seen through this opacity.
@@ -103,7 +126,7 @@ void fade(miColor& share, const miColor& opacity)
 miBoolean shadeEye(RenderThread& thread, Frame& frame, Ray ray, miColor& result)
 {
     const miState start = frame.state;
-    const FunctionList* const environment = frame.environment;
+    const FunctionList *const environment = frame.environment, *const volume = frame.volume;
     const miBoolean found = shade(thread, frame, ray, result);
     if (!thread.stage.compositesOpacity || !seesThrough(frame.opacity))
         return found;
@@ -117,6 +140,7 @@ miBoolean shadeEye(RenderThread& thread, Frame& frame, Ray ray, miColor& result)
         ray.startPolygon = behind->state.pri;
         behind->state = start;
         behind->environment = environment;
+        behind->volume = volume;
         behind->opacity.reset();
         miColor color;
         shade(thread, *behind, ray, color);
@@ -261,6 +285,7 @@ SampleResult sample(RenderThread& thread, float rasterX, float rasterY, float ti
         state.time = options.shutter_delay + time * (options.shutter - options.shutter_delay);
     frame->environment = &stage.environment;
     state.environment = stage.environment.empty() ? miNULLTAG : stage.environment.front()->tag;
+    enter(*frame, stage.volume);
     const PrimaryRay primary = stage.rays.at(rasterX, rasterY);
     state.org = primary.origin;
     state.dir = primary.direction;
@@ -282,11 +307,11 @@ SampleResult sample(RenderThread& thread, float rasterX, float rasterY, float ti
 miBoolean traceEye(miColor& result, miState& state, const miVector& origin, const miVector& direction)
 {
     RenderThread& thread = RenderThread::of(state);
-    const FunctionList* const environment = thread.top().environment;
+    const Frame& outer = thread.top();
     const FrameScope frame(thread);
     state.org = origin;
     state.dir = direction;
-    beginChild(*frame, state, environment, miRAY_EYE);
+    beginChild(*frame, state, outer, miRAY_EYE);
     clearHit(frame->state);
     const std::size_t lens = thread.lens;
     miBoolean found;
@@ -321,9 +346,9 @@ miBoolean traceSecondary(miColor& result, miState& state, const miVector& direct
     result = black;
     if (!allowed && type == miRAY_TRANSPARENT)
         return miFALSE;
-    const FunctionList* const environment = thread.top().environment;
+    const Frame& outer = thread.top();
     const FrameScope frame(thread);
-    beginChild(*frame, state, environment, type);
+    beginChild(*frame, state, outer, type);
     miState& child = frame->state;
     child.org = state.point;
     child.dir = isFinite(direction) ? normalised(direction) : direction;
@@ -342,15 +367,20 @@ miBoolean traceSecondary(miColor& result, miState& state, const miVector& direct
     ray.startPolygon = state.pri;
     ray.time = shutterFraction(state);
     clearHit(child);
+    // A material's volume fills the space behind its surface; out of it, rays are in the camera's again.
+    const Surface* const surface =
+        type == miRAY_REFLECT ? nullptr : thread.stage.surfaces.find(state.material);
+    if (surface && !surface->volume.empty() && !state.options->no_volume)
+        enter(*frame, state.inv_normal ? thread.stage.volume : surface->volume);
     return shade(thread, *frame, ray, result);
 }
 
 miBoolean traceEnvironment(miColor& result, miState& state, const miVector& direction)
 {
     RenderThread& thread = RenderThread::of(state);
-    const FunctionList* const environment = thread.top().environment;
+    const Frame& outer = thread.top();
     const FrameScope frame(thread);
-    beginChild(*frame, state, environment, miRAY_ENVIRONMENT);
+    beginChild(*frame, state, outer, miRAY_ENVIRONMENT);
     if (state.pri)
         frame->state.org = state.point;
     frame->state.dir = direction;

@@ -27,7 +27,7 @@ TEST(Library, HasEveryDeclaredShaderInItsDeclaredVersion)
 {
     Loaded loaded;
     const auto& declarations = loaded.session.declarations.all();
-    EXPECT_EQ(declarations.size(), 19u);
+    EXPECT_EQ(declarations.size(), 20u);
     for (const auto& [name, declaration] : declarations) {
         const host::Shader& shader = loaded.session.libraries.resolve(declaration);
         ASSERT_TRUE(shader.version) << name;

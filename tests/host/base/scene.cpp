@@ -35,7 +35,9 @@ Picture rendered(const std::string& body, const std::string& instances)
 {
     const test::Folder folder;
     const std::string file = folder.path("picture.exr");
-    const bool surrounded = body.find("shader \"surroundings\"") != std::string::npos;
+    const auto defines = [&](const std::string& shader) {
+        return body.find("shader \"" + shader + "\"") != std::string::npos;
+    };
     const std::string text = R"(
 link "base.so"
 $include <base.mi>
@@ -45,7 +47,8 @@ camera "cam"
     output "rgba_fp" "exr" ")" +
                              file + R"("
     focal infinity  aperture 4  aspect 1  resolution 41 41
-    )" + (surrounded ? "environment = \"surroundings\"" : "") +
+    )" + (defines("surroundings") ? "environment = \"surroundings\"\n" : "") +
+                             (defines("fog") ? "volume = \"fog\"" : "") +
                              R"(
 end camera
 instance "cam-i" "cam"  transform 1 0 0 0  0 1 0 0  0 0 1 0  0 0 -10 1  end instance

@@ -19,7 +19,8 @@ struct Picture {
 /// The scene is `body`, which defines materials, lights and objects and their instances, in a frame that
 /// loads the base library and looks down the z axis from z = 10: in parallel, 4 wide, on 41 × 41 pixels, so
 /// that pixel (i, j) sees x = (i − 20) · 4/41 and y = (j − 20) · 4/41. `instances` are the names in the root
-/// group. The camera's environment is "surroundings" when `body` defines such a shader.
+/// group. The camera's environment is "surroundings", and its volume "fog", when `body` defines such a
+/// shader.
 Picture rendered(const std::string& body, const std::string& instances);
 
 /// Where a pixel of that frame lies.

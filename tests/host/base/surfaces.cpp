@@ -285,3 +285,19 @@ instance "ball-i" geometry "mib_geo_sphere" ( "u" 200, "v" 100, "radius" 1.5 ) m
             }
         }
 }
+
+TEST(Volume, FadesWithDistance)
+{
+    // The camera is at z = 10, and its rays run along z: the wall is 4 away.
+    const auto fogged = [](const std::string& max) {
+        return rendered("shader \"fog\" \"mib_volume\" ( \"color\" .5 .25 .75 1, \"max\" " + max + " )\n" +
+                            plain("wall", "1 1 1") + square("near", 6.0f, "wall"),
+                        "\"near-i\"");
+    };
+    expectColor(fogged("16").at(20, 20), 0.875f, 0.8125f, 0.9375f); // a quarter of it
+    expectColor(fogged("4").at(20, 20), 0.5f, 0.25f, 0.75f);
+    expectColor(fogged("2").at(20, 20), 0.5f, 0.25f, 0.75f);
+    const auto nothing =
+        rendered("shader \"fog\" \"mib_volume\" ( \"color\" .5 .25 .75 1, \"max\" 1000 )\n", "");
+    expectColor(nothing.at(20, 20), 0.5f, 0.25f, 0.75f);
+}
