@@ -79,7 +79,7 @@ struct vhParticleLight final : VHL::dMentalRayShader<miColor, _vhParticleLightPa
             state->count = 1;
             return 2;
         }
-        const VHL::dVector position = positions[sample];
+        const VHL::dVector& position = positions[sample]; // a copy would wait for its own stores
         const VHL::dVector toPoint = VHL::dVector(state->point) - position;
         const double distance = VHL::lengthInDouble(toPoint);
         const float length = static_cast<float>(distance);
