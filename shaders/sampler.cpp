@@ -96,8 +96,8 @@ struct vhSampleStatePoint final : VHL::dMentalRayShader<miColor, _vhSampleStateP
         const VHL::dVector end = VHL::evaluate(state, params->end);
         delta = end - start;
         jitter = VHL::evaluate(state, params->jitter);
-        std::srand(
-            static_cast<unsigned>(std::time(nullptr))); // deliberate: every rendering has another jitter
+        // Deliberately from the clock: every rendering has another jitter.
+        std::srand(static_cast<unsigned>(std::time(nullptr)));
         const bool normalize = VHL::evaluate(state, params->normalize);
         const std::vector<VHL::dScalar> values =
             VHL::evaluateArray(state, params->i_profile, params->n_profile, params->profile);

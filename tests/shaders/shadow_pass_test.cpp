@@ -331,6 +331,7 @@ TEST(ShadowPass, AListOfLessThanNothingIsEmpty)
 
 TEST(ShadowPass, EveryBitIsTheRules)
 {
+    const Library loaded; // for all rounds, as loading takes longest
     AnyFloat any(8301);
     std::mt19937 engine(8302);
     std::uniform_real_distribution<float> near(0, 2);
