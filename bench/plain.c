@@ -6,6 +6,7 @@
 #include <shader.h>
 
 #include <math.h>
+#include <stdlib.h>
 
 #define EXPORT __attribute__((visibility("default")))
 
@@ -30,6 +31,25 @@ struct slots { struct slot slot[16]; };
 struct choice {
     miBoolean condition;
     miColor ifTrue, ifFalse;
+};
+
+struct particles {
+    int count, firstPosition, positionCount;
+    miVector position[1];
+    int firstColor, colorCount;
+    miColor color[1];
+    miScalar falloff;
+    miBoolean shadow;
+};
+struct particle {
+    miVector position;
+    miColor color;
+};
+struct light {
+    int count, size;
+    miScalar falloff;
+    miBoolean shadow;
+    struct particle particle[1];
 };
 
 static const miScalar* scalar(miState* state, miScalar* field) { return (const miScalar*)mi_eval(state, field); }
@@ -134,6 +154,83 @@ EXPORT miBoolean plainIfThenElseColor(miColor* result, miState* state, struct ch
     else
         *result = *(const miColor*)mi_eval(state, &p->ifFalse);
     return done;
+}
+
+/* Where an instance keeps its data, as the frame does. */
+static void** userSlot(miState* state)
+{
+    void** slot = 0;
+    mi_query(miQ_FUNC_USERPTR, state, 0, &slot);
+    return slot;
+}
+
+EXPORT void plainParticleLight_init(miState* state, struct particles* p, miBoolean* request)
+{
+    if (!p) {
+        *request = miTRUE;
+    } else {
+        const int size = p->positionCount < p->colorCount ? p->positionCount : p->colorCount;
+        struct light* const light = malloc(sizeof *light + sizeof(struct particle) * (size_t)size);
+        int k;
+        light->count = p->count;
+        light->size = size;
+        light->falloff = p->falloff;
+        light->shadow = p->shadow;
+        for (k = 0; k < size; ++k) {
+            const miColor c = (&p->color[0])[p->firstColor + k];
+            const miColor shining = {c.r * c.a, c.g * c.a, c.b * c.a, c.a};
+            light->particle[k].position = (&p->position[0])[p->firstPosition + k];
+            light->particle[k].color = shining;
+        }
+        *userSlot(state) = light;
+    }
+}
+
+EXPORT void plainParticleLight_exit(miState* state, struct particles* p)
+{
+    if (p)
+        free(*userSlot(state));
+}
+
+EXPORT miBoolean plainParticleLight(miColor* result, miState* state, struct particles* p)
+{
+    const struct light* const light = *userSlot(state);
+    const struct particle* particle;
+    const miVector normal = state->normal;
+    miVector d;
+    float length, q;
+    (void)p;
+    if (state->type != miRAY_LIGHT)
+        return 0;
+    if (state->count == light->count || state->count >= light->size) {
+        state->count = 1;
+        return 2;
+    }
+    particle = &light->particle[state->count];
+    state->org = particle->position;
+    d.x = state->point.x - particle->position.x;
+    d.y = state->point.y - particle->position.y;
+    d.z = state->point.z - particle->position.z;
+    state->dist = sqrt((double)(d.x * d.x + d.y * d.y + d.z * d.z));
+    length = (float)state->dist;
+    if (length != 0.0f) {
+        const float scale = 1.0f / length;
+        d.x *= scale;
+        d.y *= scale;
+        d.z *= scale;
+    }
+    state->dir = d;
+    state->dot_nd = -(d.x * normal.x + d.y * normal.y + d.z * normal.z);
+    if (!(state->dot_nd >= 0.0f) && !(normal.x == 0.0f && normal.y == 0.0f && normal.z == 0.0f)) {
+        result->r = result->g = result->b = result->a = 0.0f;
+        return 0;
+    }
+    q = 1.0f + powf(length, light->falloff);
+    result->r = particle->color.r / q;
+    result->g = particle->color.g / q;
+    result->b = particle->color.b / q;
+    result->a = 1.0f;
+    return light->shadow ? mi_trace_shadow(result, state) : miTRUE;
 }
 
 /* The least a node of a chain can do: hand its connected input on. */

@@ -9,10 +9,12 @@
 namespace VHL {
 
 /// The squares are summed in single precision, x first; only the root is taken in double.
-inline float length(const dVector& v)
+inline double lengthInDouble(const dVector& v)
 {
     const float sum = v.x() * v.x() + v.y() * v.y() + v.z() * v.z();
-    return static_cast<float>(std::sqrt(static_cast<double>(sum)));
+    return std::sqrt(static_cast<double>(sum));
 }
+
+inline float length(const dVector& v) { return static_cast<float>(lengthInDouble(v)); }
 
 } // namespace VHL

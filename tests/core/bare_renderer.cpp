@@ -45,6 +45,8 @@ void* mi_mem_int_allocate(const char* const file, const int line, const int size
 {
     BareRenderer& renderer = BareRenderer::get();
     renderer.calls.emplace_back("mi_mem_int_allocate");
+    if (size > renderer.largestBlock)
+        return nullptr;
     void* const block = std::malloc(std::size_t(size));
     renderer.allocated.push_back(live()[block] = {file, line, size});
     return block;
@@ -61,6 +63,8 @@ void mi_mem_int_release(const char* const file, const int line, void* block)
     std::free(block);
 }
 
+void mi_flush_cache(miState*) { BareRenderer::get().calls.emplace_back("mi_flush_cache"); }
+
 void* mi_db_access(miTag tag)
 {
     BareRenderer& renderer = BareRenderer::get();
@@ -74,6 +78,28 @@ void mi_db_unpin(miTag tag)
     BareRenderer& renderer = BareRenderer::get();
     renderer.calls.emplace_back("mi_db_unpin");
     --renderer.pins[tag];
+}
+
+int mi_db_type(miTag tag)
+{
+    BareRenderer& renderer = BareRenderer::get();
+    renderer.calls.emplace_back("mi_db_type");
+    return renderer.type(tag);
+}
+
+void* mi_scene_edit(const miTag tag)
+{
+    BareRenderer& renderer = BareRenderer::get();
+    renderer.calls.emplace_back("mi_scene_edit");
+    renderer.opened.push_back(tag);
+    return renderer.access(tag);
+}
+
+void mi_scene_edit_end(const miTag tag)
+{
+    BareRenderer& renderer = BareRenderer::get();
+    renderer.calls.emplace_back("mi_scene_edit_end");
+    renderer.closed.push_back(tag);
 }
 
 const char* mi_api_tag_lookup(miTag tag)
@@ -98,6 +124,37 @@ miBoolean mi_trace_eye(miColor* result, miState* state, miVector* origin, miVect
     state->org = from;
     state->dir = towards;
     return renderer.traceEye(result, from, towards);
+}
+
+miBoolean mi_trace_shadow(miColor* const result, miState* const state)
+{
+    BareRenderer& renderer = BareRenderer::get();
+    renderer.calls.emplace_back("mi_trace_shadow");
+    return renderer.traceShadow(result, state);
+}
+
+miBoolean mi_sample_light(miColor* const result, miVector* const dir, float* const dot_nl,
+                          miState* const state, const miTag light, int* const samples)
+{
+    BareRenderer& renderer = BareRenderer::get();
+    renderer.calls.emplace_back("mi_sample_light");
+    return renderer.sampleLight(result, dir, dot_nl, state, light, samples);
+}
+
+miBoolean mi_inclusive_lightlist(int* n, miTag** lights, miState*)
+{
+    BareRenderer& renderer = BareRenderer::get();
+    renderer.calls.emplace_back("mi_inclusive_lightlist");
+    renderer.inclusiveList(n, lights);
+    return miTRUE;
+}
+
+miBoolean mi_exclusive_lightlist(int* n, miTag** lights, miState*)
+{
+    BareRenderer& renderer = BareRenderer::get();
+    renderer.calls.emplace_back("mi_exclusive_lightlist");
+    renderer.exclusiveList(n, lights);
+    return miTRUE;
 }
 
 miBoolean mi_lookup_color_texture(miColor* const result, miState* const, const miTag texture,
@@ -125,6 +182,13 @@ void mi_vector_to_world(const miState*, miVector* result, const miVector* v)
 {
     BareRenderer::get().calls.emplace_back("mi_vector_to_world");
     *result = product(*v, BareRenderer::get().toWorld, 3);
+}
+
+void mi_matrix_ident(miMatrix m)
+{
+    BareRenderer::get().calls.emplace_back("mi_matrix_ident");
+    for (int i = 0; i < 16; ++i)
+        m[i] = i % 5 == 0 ? 1.0f : 0.0f;
 }
 
 static void print(const char* function, const char* format, va_list arguments)

@@ -5,6 +5,7 @@
 
 #include <shader.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstring>
 #include <functional>
@@ -29,6 +30,9 @@ struct BareRenderer {
     std::map<miTag, int> pins;            ///< accesses less unpins
     std::vector<std::string> messages;    ///< printed, in order
     miColor opacity{};                    ///< set last
+    int largestBlock = 1 << 20;           ///< what is larger is refused
+    std::vector<miTag> opened;            ///< elements opened for changes, in order, and
+    std::vector<miTag> closed;            ///< closed
 
     /// What is seen from a point in a direction; nothing when the test says nothing else.
     std::function<miBoolean(miColor*, const miVector&, const miVector&)> traceEye =
@@ -36,6 +40,16 @@ struct BareRenderer {
     /// What a texture has at a coordinate.
     std::function<miBoolean(miColor*, miTag, const miVector&)> lookUpTexture =
         [](miColor*, miTag, const miVector&) { return miFALSE; };
+    /// The next sample of a light; none when the test says nothing else.
+    std::function<miBoolean(miColor*, miVector*, float*, miState*, miTag, int*)> sampleLight =
+        [](miColor*, miVector*, float*, miState*, miTag, int*) { return miFALSE; };
+    /// What shadows leave of a light; they leave it alone when the test says nothing else.
+    std::function<miBoolean(miColor*, miState*)> traceShadow = [](miColor*, miState*) { return miTRUE; };
+    /// The inclusive and the exclusive light list, which stay as given when the test says nothing else.
+    std::function<void(int*, miTag**)> inclusiveList = [](int*, miTag**) {};
+    std::function<void(int*, miTag**)> exclusiveList = [](int*, miTag**) {};
+    /// The type of an element; none when the test says nothing else.
+    std::function<int(miTag)> type = [](miTag) { return miSCENE_NONE; };
     /// The matrix from the state's space to the world, for vectors: three rows.
     float toWorld[9] = {1, 0, 0, 0, 1, 0, 0, 0, 1};
 
@@ -46,6 +60,9 @@ struct BareRenderer {
     };
     /// The name of an element; none when the test says nothing else.
     std::function<const char*(miTag)> lookUp = [](miTag) -> const char* { return nullptr; };
+
+    /// Whether every block was given back, in whatever order.
+    bool hasAllBlocks() const { return std::ranges::is_permutation(allocated, released); }
 
     /// The renderer in use. `reset` makes it as new.
     static BareRenderer& get();
@@ -60,6 +77,7 @@ struct Block {
         std::memset(static_cast<void*>(this), 0, sizeof *this);
         state.shader = &function;
         state.camera = &camera;
+        state.options = &options;
         function.ghost_offs =
             static_cast<int>(reinterpret_cast<char*>(&ghosts) - reinterpret_cast<char*>(&params));
     }
@@ -79,5 +97,6 @@ struct Block {
     Params params;
     Params ghosts;
     miCamera camera;
+    miOptions options;
     miState state;
 };

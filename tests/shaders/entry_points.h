@@ -52,11 +52,21 @@ struct EntryPoints {
     int (*version)();
 };
 
-/// What a shader returns when all its parameters are 0: some have nothing to give then, neither values to
-/// select from nor a texture to look up.
+/// What a shader returns when its state and all its parameters are 0: some have nothing to give then, neither
+/// values to select from nor a texture to look up, and a light does not light eye rays.
 inline int returnedForZeros(std::string_view shader)
 {
-    return shader.starts_with("vhSelect") || shader == "vhEnvironmentPanoramic_v1" ? 0 : 1;
+    return shader.starts_with("vhSelect") || shader == "vhEnvironmentPanoramic_v1" ||
+                   shader == "vhParticleLight_v1"
+               ? 0
+               : 1;
+}
+
+/// Bytes that an instance takes from the renderer besides its cell, in one block: the shadow pass copies the
+/// options.
+inline std::size_t bytesBesidesTheCell(std::string_view shader)
+{
+    return shader == "vhShadowPass_v1" ? sizeof(miOptions) : 0;
 }
 
 /// Room for the parameters and the result of any shader.

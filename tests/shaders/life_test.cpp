@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Every declared shader's life in the host: what is called, and what the host's accounts say of it.
 #include "components.h"
+#include "entry_points.h"
 #include "evaluation_order.h"
 #include "host/api/memory.h"
 #include "tests/harness/call.h"
@@ -8,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include <map>
+#include <set>
 
 namespace {
 
@@ -80,14 +82,19 @@ TEST(ShaderLife, AnInstanceHoldsOneCellOfEightBytesFromInitToExit)
         const std::size_t before = host::memoryAllocations();
         run(call, declaration->result.size);
         const std::vector<host::MemoryUse> inUse = host::memoryInUse();
-        ASSERT_EQ(inUse.size(), 1u);
-        EXPECT_EQ(inUse[0].blocks, 1u);
-        EXPECT_EQ(inUse[0].bytes, 8u);
-        EXPECT_EQ(inUse[0].file.find_first_of("/."), std::string::npos) << inUse[0].file << " is a bare name";
+        const std::size_t more = bytesBesidesTheCell(name);
+        ASSERT_EQ(inUse.size(), more > 0 ? 2u : 1u);
+        std::multiset<std::size_t> sizes;
+        for (const host::MemoryUse& use : inUse) {
+            EXPECT_EQ(use.blocks, 1u);
+            EXPECT_EQ(use.file.find_first_of("/."), std::string::npos) << use.file << " is a bare name";
+            sizes.insert(use.bytes);
+        }
+        EXPECT_EQ(sizes, more > 0 ? (std::multiset<std::size_t>{8, more}) : (std::multiset<std::size_t>{8}));
         run(call, declaration->result.size);
         call.end();
         EXPECT_TRUE(host::memoryInUse().empty());
-        EXPECT_EQ(host::memoryAllocations(), before + 1) << "none while rendering";
+        EXPECT_EQ(host::memoryAllocations(), before + inUse.size()) << "none while rendering";
     }
 }
 
@@ -97,7 +104,8 @@ TEST(ShaderLife, ShadersAreTheirUnitsAndEachHasAPlaceOfItsOwn)
     for (const auto& [name, declaration] : declaredShaders()) {
         Call call(name);
         run(call, declaration->result.size);
-        const std::vector<host::MemoryUse> inUse = host::memoryInUse();
+        std::vector<host::MemoryUse> inUse = host::memoryInUse();
+        std::erase_if(inUse, [](const host::MemoryUse& use) { return use.bytes != 8; });
         ASSERT_EQ(inUse.size(), 1u);
         const auto [place, added] = places.emplace(std::pair{inUse[0].file, inUse[0].line}, name);
         EXPECT_TRUE(added) << name << " and " << place->second << " share a place";
@@ -118,6 +126,10 @@ TEST(ShaderLife, ShadersAreTheirUnitsAndEachHasAPlaceOfItsOwn)
     EXPECT_EQ(unitOf("vhInRasterPositionRange_v1"), "comparison");
     EXPECT_EQ(unitOf("vhVectorNorm_v1"), "util");
     EXPECT_EQ(unitOf("vhNormalizeVector_v1"), "util");
+    EXPECT_EQ(unitOf("vhParticleLight_v1"), "particleLight");
+    EXPECT_EQ(unitOf("vhSampleStatePoint_v1"), "sampler");
+    EXPECT_EQ(unitOf("vhShadowPass_v1"), "shadowPass");
+    EXPECT_EQ(unitOf("vhGeomSetAreaLightType_v1"), "geometry");
 }
 
 TEST(ShaderLife, InstancesOfOneShaderHoldACellEach)

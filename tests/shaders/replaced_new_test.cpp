@@ -4,6 +4,7 @@
 #include "entry_points.h"
 #include "tests/core/bare_renderer.h"
 
+#include <geoshader.h>
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -45,6 +46,7 @@ extern "C" {
 static miInstance instanceRecord;
 static void* userSlot;
 static void* cell[1];
+static miOptions options; ///< a copy that a shader takes
 
 miBoolean mi_query(const miQ_type, miState* const, miTag, void* const result, ...)
 {
@@ -52,13 +54,29 @@ miBoolean mi_query(const miQ_type, miState* const, miTag, void* const result, ..
     return miTRUE;
 }
 void* mi_phen_eval(miState*, void* parameter) { return parameter; }
-void* mi_mem_int_allocate(const char* const, const int, const int) { return cell; }
+void* mi_mem_int_allocate(const char* const, const int, const int size)
+{
+    return size == sizeof cell ? static_cast<void*>(cell) : &options;
+}
 void mi_mem_int_release(const char* const, const int, void*) {}
 void* mi_db_access(miTag tag)
 {
     return tag == patternTag ? const_cast<char*>(patternText) : static_cast<void*>(&instanceRecord);
 }
 void mi_db_unpin(miTag) {}
+int mi_db_type(miTag) { return miSCENE_NONE; }
+void* mi_scene_edit(const miTag) { return &instanceRecord; }
+void mi_scene_edit_end(const miTag) {}
+void mi_matrix_ident(miMatrix) {}
+void mi_flush_cache(miState*) {}
+miBoolean mi_trace_shadow(miColor* const, miState* const) { return miTRUE; }
+miBoolean mi_sample_light(miColor* const, miVector* const, float* const, miState* const, const miTag,
+                          int* const)
+{
+    return miFALSE;
+}
+miBoolean mi_inclusive_lightlist(int*, miTag**, miState*) { return miTRUE; }
+miBoolean mi_exclusive_lightlist(int*, miTag**, miState*) { return miTRUE; }
 const char* mi_api_tag_lookup(miTag) { return instanceName; }
 void mi_opacity_set(miState*, miColor const* const) {}
 miBoolean mi_trace_eye(miColor*, miState*, miVector*, miVector*) { return miTRUE; }
@@ -181,4 +199,56 @@ TEST(ReplacedNew, TextFunctionsDeleteWhatTheyMake)
     });
     EXPECT_GT(used.made, 0) << "lists are made with operator new";
     EXPECT_EQ(used.made, used.deleted);
+}
+
+/// A shader with arrays of its own from init to exit.
+template <class Params>
+static Count countedLife(const char* name, Params params)
+{
+    return counted([&] {
+        const Library library;
+        const EntryPoints shader(library, name);
+        Block<AnyParams> block;
+        std::memcpy(&block.params, &params, sizeof params);
+        block.state.type = miRAY_LIGHT;
+        miBoolean request = miFALSE;
+        shader.init(&block.state, &block.params, &request);
+        AnyParams result{};
+        for (miUshort sample = 0; sample < 5; ++sample) {
+            block.state.count = sample;
+            EXPECT_EQ(counted([&] { shader.execute(&result, &block.state, &block.params); }), (Count{0, 0}));
+        }
+        shader.exit(&block.state, &block.params);
+    });
+}
+
+TEST(ReplacedNew, AParticleLightAllocatesItsListsInInitAndLeavesNothing)
+{
+    struct Params {
+        int lightCount = 3, i_positions = 0, n_positions = 3;
+        miVector position{};
+        int i_colors = 0, n_colors = 3;
+        miColor color{};
+        float falloff = 2;
+        int shadow = 1;
+        miColor room[3]{};
+    };
+    const Count all = countedLife("vhParticleLight_v1", Params());
+    EXPECT_GE(all.made, 3) << "the object and two lists";
+    EXPECT_EQ(all.made, all.deleted);
+}
+
+TEST(ReplacedNew, ASamplerLeavesNothing)
+{
+    struct Params {
+        miColor input{};
+        int samples = 3, i_profile = 0, n_profile = 1;
+        float profile = 1;
+        int normalize = 1;
+        miVector start{}, end{};
+        float jitter = 1;
+    };
+    const Count all = countedLife("vhSampleStatePoint_v1", Params());
+    EXPECT_GE(all.made, 2) << "the object, and the curve while it is resampled";
+    EXPECT_EQ(all.made, all.deleted);
 }
