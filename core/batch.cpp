@@ -9,6 +9,7 @@
 #include <cmath>
 #include <cstring>
 #include <limits>
+#include <numbers>
 #include <typeinfo>
 
 namespace VHL {
@@ -87,49 +88,56 @@ struct Colors {
     }
 };
 
-/// Of the numbers in the middle of the 256th parts from 1 to 2.
+/// Of the numbers in the middle of the 128th parts from 1 to 2.
 struct Inverses {
     Inverses() noexcept
     {
-        for (int i = 0; i < 256; ++i) {
-            number[i] = float(1 / (1 + (i + 0.5) / 256)); // short, so that products with mantissas are exact
+        for (int i = 0; i < 128; ++i) {
+            number[i] = float(1 / (1 + (i + 0.5) / 128)); // short, so that products with mantissas are exact
             logarithm[i] = std::log2(number[i]);
         }
     }
 
-    double number[256], logarithm[256];
+    double number[128], logarithm[128];
 };
 
 /// False where the series would have to be longer.
 bool makeTable(wide::PowerTable& table, float exponent)
 {
     const double y = exponent;
-    const double second = y * (y - 1) / 2, third = second * (y - 2) / 3, fourth = third * (y - 3) / 4;
-    // The series' next term, with what follows it; the rest is at most 1/512. Then the roundings of what is
+    const double second = y * (y - 1) / 2, third = second * (y - 2) / 3, fourth = third * (y - 3) / 4,
+                 fifth = fourth * (y - 4) / 5;
+    // The rest is at most 1/256. Up to there its fourth power is nearly so many times its square; how nearly
+    // counts to the error, as does the series' next term, with what follows it. Then the roundings of what is
     // multiplied here and there, and that of the C library's power, whose own rounding to a float is to be
     // met.
-    const double error = 1.25 * std::abs(fourth) * 0x1p-36 + 0x1p-48;
-    if (!(error < 0x1p-31))
+    constexpr double squares = 2 * std::numbers::sqrt2 - 2, nearly = squares * squares / 4;
+    const double error = 1.25 * (nearly * std::abs(fourth) * 0x1p-32 + std::abs(fifth) * 0x1p-40) + 0x1p-48;
+    if (!(error < 0x1p-28))
         return false;
     table.exponent = y;
-    table.second = second;
+    table.second = second + squares * 0x1p-16 * fourth;
     table.third = third;
-    table.error = error;
+    table.spread = (1 + error) / (1 - error);
     table.ofZero = float(std::pow(0.0, y));
-    // 2^(k * y) from two factors; the products of the first with integers are exact.
-    double coarse[16], fine[16];
-    for (int i = 0; i < 16; ++i) {
-        coarse[i] = std::exp2((16 * i - 127) * y);
-        fine[i] = std::exp2(i * y);
-    }
-    for (int i = 0; i < 256; ++i)
+    // 4^(k * y) from two factors; the products of the first with integers are exact.
+    double coarse[8], fine[16];
+    for (int i = 0; i < 8; ++i)
+        coarse[i] = std::exp2((32 * i - 127) * y);
+    for (int i = 0; i < 16; ++i)
+        fine[i] = std::exp2(2 * i * y);
+    for (int i = 0; i < 128; ++i)
         table.scale[i] = coarse[i / 16] * fine[i % 16];
     const double none = std::numeric_limits<double>::quiet_NaN();
-    table.scale[0] = table.scale[255] = none;
-    std::fill_n(table.scale + 256, 256, none);
+    table.scale[0] = none;
+    std::fill_n(table.scale + 127, 129, none);
     static const Inverses inverses;
-    for (int i = 0; i < 256; ++i)
-        table.part[i] = {inverses.number[i], std::exp2(-y * inverses.logarithm[i])};
+    const double ofTwo = std::exp2(y);
+    for (int i = 0; i < 128; ++i) {
+        const double power = std::exp2(-y * inverses.logarithm[i]) * (1 - error);
+        table.part[i] = {inverses.number[i], power};
+        table.part[128 + i] = {inverses.number[i], ofTwo * power};
+    }
     return true;
 }
 
