@@ -16,6 +16,7 @@
 #include <numbers>
 #include <optional>
 #include <random>
+#include <sys/resource.h>
 
 namespace {
 
@@ -484,6 +485,30 @@ TEST_F(Vhpano, BadFilesAreToldAndNothingIsWritten)
     expectError(with("in.exr", "nowhere/out.exr"), 1, "cannot write \"nowhere/out.exr\"");
     EXPECT_EQ(folder.names(),
               (std::vector<std::string>{"empty.exr", "in.exr", "out.exr", "short.exr", "text.png"}));
+}
+
+TEST_F(Vhpano, WidePicturesTakeAsMuchMemoryAsIsStated)
+{
+    const OIIO::ImageSpec spec(30000, 40, 4, OIIO::TypeDesc::HALF);
+    std::vector<float> row(std::size_t(spec.width) * 4);
+    for (std::size_t i = 0; i < row.size(); ++i)
+        row[i] = float(i % 977) / 977;
+    const auto output = OIIO::ImageOutput::create(folder.path("in.exr"));
+    ASSERT_TRUE(output && output->open(folder.path("in.exr"), spec));
+    for (int y = 0; y < spec.height; ++y)
+        ASSERT_TRUE(output->write_scanline(y, 0, OIIO::TypeDesc::FLOAT, row.data()));
+    ASSERT_TRUE(output->close());
+    for (const char* const filter : {"footprint", "bicubic"}) {
+        const Outcome outcome = run({"in.exr", "out.exr", "--from", "latlong", "--to", "latlong", "--size",
+                                     "30000", "130", "--filter", filter, "--threads", "2"});
+        ASSERT_EQ(outcome.status, 0) << outcome.messages;
+        EXPECT_EQ(read(folder.path("out.exr")).width, 30000);
+        // The most of all programs that this one has run, in kilobytes: 120 MB of rows, 24 MB of the input
+        // and averages of it, 31 MB of output, and some 130 MB of libraries with what they keep.
+        rusage used{};
+        ASSERT_EQ(getrusage(RUSAGE_CHILDREN, &used), 0);
+        EXPECT_LT(used.ru_maxrss, 500'000) << filter;
+    }
 }
 
 TEST_F(Vhpano, MayReplaceItsInput)
