@@ -112,7 +112,8 @@ void expectSame(Processor processor, const dColorTransform& transform, const std
 
 TEST(Batch, KnowsTheProcessor)
 {
-    EXPECT_EQ(processor() >= Processor::avx2, __builtin_cpu_supports("avx2") != 0);
+    EXPECT_EQ(processor() >= Processor::avx2,
+              __builtin_cpu_supports("avx2") && __builtin_cpu_supports("fma"));
     EXPECT_EQ(processor() >= Processor::avx512Bytes,
               __builtin_cpu_supports("avx512dq") && __builtin_cpu_supports("avx512bw") &&
                   __builtin_cpu_supports("avx512vl") && __builtin_cpu_supports("avx512vbmi"));
