@@ -87,6 +87,30 @@ void report(const char* what, std::size_t size, int times, int rounds)
     std::printf("\n");
 }
 
+/// Arrays of one channel, one by one and in the batch forms.
+template <class Value>
+void reportChannel(const char* what, Value most, auto single, auto batch, int rounds)
+{
+    std::mt19937 engine(2);
+    std::uniform_real_distribution<double> part(0, 1);
+    std::vector<Value> in(rounds > 1 ? 1'000'000 : 1'000), out(in.size());
+    for (Value& value : in)
+        value = static_cast<Value>(part(engine) * most);
+    for (const auto& [name, transform] : {transforms[0], transforms[3], transforms[5]}) {
+        Race race;
+        race.add("", [&, t = transform.get()] {
+            for (std::size_t i = 0; i < in.size(); ++i)
+                out[i] = (t->*single)(in[i], 0);
+        });
+        race.add("", [&, t = transform.get()] { batch(*t, in.data(), out.data(), in.size(), 0); });
+        race.run(rounds);
+        const auto speed = [&](std::size_t which) {
+            return 1e-6 * double(in.size()) / race.runners()[which].seconds;
+        };
+        std::printf("%-10s %-12s %10.0f %10.0f\n", name, what, speed(0), speed(1));
+    }
+}
+
 } // namespace
 
 /// The number of rounds may be given.
@@ -95,5 +119,13 @@ int main(int count, char** values)
     const int rounds = count > 1 ? std::atoi(values[1]) : 30;
     report("from memory to memory", rounds > 1 ? 3840 * 2160 : 10'000, 1, rounds);
     report("in the caches", 4096, rounds > 1 ? 16 : 1, 20 * rounds);
+    std::printf("%-10s %-12s %21s\n%-10s %-12s %10s %10s\n", "one", "", "million values/s", "channel", "",
+                "single", "batch");
+    reportChannel<float>(
+        "floats", 1, &dColorTransform::transformFl, [](auto&&... all) { transformFl(all...); }, rounds);
+    reportChannel<unsigned short>(
+        "16 bits", 65535, &dColorTransform::transformSh, [](auto&&... all) { transformSh(all...); }, rounds);
+    reportChannel<unsigned char>(
+        "8 bits", 255, &dColorTransform::transformCh, [](auto&&... all) { transformCh(all...); }, rounds);
     return 0;
 }

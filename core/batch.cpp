@@ -2,12 +2,14 @@
 #include "batch.h"
 
 #include "balance.h"
+#include "integers.h"
 #include "wide/kernels.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <limits>
+#include <numbers>
 #include <typeinfo>
 
 namespace VHL {
@@ -40,15 +42,26 @@ struct Colors {
     const float* in;
     float* out;
     std::size_t count;
+    /// The one channel that all four floats of what counts as a colour are, if any.
+    int only = none;
 
-    void byChannels(wide::Kernels::Channels operation, std::initializer_list<dColor> settings,
+    static constexpr int none = -1;
+
+    dColor settings(const dColor& ofChannels) const
+    {
+        return only == none ? ofChannels : dColor(ofChannels[only]);
+    }
+
+    void byChannels(wide::Kernels::Channels operation, std::initializer_list<dColor> ofChannels,
                     bool keepAlpha) const
     {
         float constants[5][4];
         float(*constant)[4] = constants;
-        for (const dColor& setting : settings)
+        for (const dColor& each : ofChannels) {
+            const dColor setting = settings(each);
             std::memcpy(constant++, &setting, sizeof setting);
-        operation(in, out, count, constants, keepAlpha);
+        }
+        operation(in, out, count, constants, keepAlpha && only == none);
     }
 
     /// For each channel: the channel that it becomes, or none and the value.
@@ -56,7 +69,6 @@ struct Colors {
         int channel;
         float value;
     };
-    static constexpr int none = -1;
 
     void arrange(const Source (&sources)[4]) const
     {
@@ -76,58 +88,67 @@ struct Colors {
     }
 };
 
-/// Of the numbers in the middle of the 256th parts from 1 to 2.
+/// Of the numbers in the middle of the 128th parts from 1 to 2.
 struct Inverses {
     Inverses() noexcept
     {
-        for (int i = 0; i < 256; ++i) {
-            number[i] = float(1 / (1 + (i + 0.5) / 256)); // short, so that products with mantissas are exact
+        for (int i = 0; i < 128; ++i) {
+            number[i] = float(1 / (1 + (i + 0.5) / 128)); // short, so that products with mantissas are exact
             logarithm[i] = std::log2(number[i]);
         }
     }
 
-    double number[256], logarithm[256];
+    double number[128], logarithm[128];
 };
 
 /// False where the series would have to be longer.
 bool makeTable(wide::PowerTable& table, float exponent)
 {
     const double y = exponent;
-    const double second = y * (y - 1) / 2, third = second * (y - 2) / 3, fourth = third * (y - 3) / 4;
-    // The series' next term, with what follows it; the rest is at most 1/512. Then the roundings of what is
+    const double second = y * (y - 1) / 2, third = second * (y - 2) / 3, fourth = third * (y - 3) / 4,
+                 fifth = fourth * (y - 4) / 5;
+    // The rest is at most 1/256. Up to there its fourth power is nearly so many times its square; how nearly
+    // counts to the error, as does the series' next term, with what follows it. Then the roundings of what is
     // multiplied here and there, and that of the C library's power, whose own rounding to a float is to be
     // met.
-    const double error = 1.25 * std::abs(fourth) * 0x1p-36 + 0x1p-48;
-    if (!(error < 0x1p-31))
+    constexpr double squares = 2 * std::numbers::sqrt2 - 2, nearly = squares * squares / 4;
+    const double error = 1.25 * (nearly * std::abs(fourth) * 0x1p-32 + std::abs(fifth) * 0x1p-40) + 0x1p-48;
+    if (!(error < 0x1p-28))
         return false;
     table.exponent = y;
-    table.second = second;
+    table.second = second + squares * 0x1p-16 * fourth;
     table.third = third;
-    table.error = error;
+    table.spread = (1 + error) / (1 - error);
     table.ofZero = float(std::pow(0.0, y));
-    // 2^(k * y) from two factors; the products of the first with integers are exact.
-    double coarse[16], fine[16];
-    for (int i = 0; i < 16; ++i) {
-        coarse[i] = std::exp2((16 * i - 127) * y);
-        fine[i] = std::exp2(i * y);
-    }
-    for (int i = 0; i < 256; ++i)
+    // 4^(k * y) from two factors; the products of the first with integers are exact.
+    double coarse[8], fine[16];
+    for (int i = 0; i < 8; ++i)
+        coarse[i] = std::exp2((32 * i - 127) * y);
+    for (int i = 0; i < 16; ++i)
+        fine[i] = std::exp2(2 * i * y);
+    for (int i = 0; i < 128; ++i)
         table.scale[i] = coarse[i / 16] * fine[i % 16];
     const double none = std::numeric_limits<double>::quiet_NaN();
-    table.scale[0] = table.scale[255] = none;
-    std::fill_n(table.scale + 256, 256, none);
+    table.scale[0] = none;
+    std::fill_n(table.scale + 127, 129, none);
     static const Inverses inverses;
-    for (int i = 0; i < 256; ++i)
-        table.part[i] = {inverses.number[i], std::exp2(-y * inverses.logarithm[i])};
+    const double ofTwo = std::exp2(y);
+    for (int i = 0; i < 128; ++i) {
+        const double power = std::exp2(-y * inverses.logarithm[i]) * (1 - error);
+        table.part[i] = {inverses.number[i], power};
+        table.part[128 + i] = {inverses.number[i], ofTwo * power};
+    }
     return true;
 }
 
 /// By tables, if there are enough colours and the series is good for the exponents.
-bool takePower(const Colors& colors, const dColor& exponents, bool keepAlpha)
+bool takePower(const Colors& colors, const dColor& ofChannels, bool keepAlpha)
 {
     constexpr std::size_t worthTables = 256;
     if (colors.count < worthTables)
         return false;
+    const dColor exponents = colors.settings(ofChannels);
+    keepAlpha = keepAlpha && colors.only == Colors::none;
     wide::PowerTable tables[4];
     const wide::PowerTable* byChannel[4];
     for (int i = 0; i < 4; ++i) {
@@ -162,11 +183,21 @@ void reorder(const Colors& colors, const char* order)
     colors.arrange(sources);
 }
 
+/// Whether single channels pass the transform unchanged.
+bool passesChannels(const dColorTransform& transform)
+{
+    return exactly<dExpand>(transform) || exactly<dCompress>(transform) || exactly<dMatteMult>(transform) ||
+           exactly<dMatteDiv>(transform) || exactly<dReorder>(transform) || exactly<dSetColor>(transform) ||
+           exactly<dSetAlpha>(transform);
+}
+
 /// Whether there is a loop for the transform, which has then run.
 bool transform(const dColorTransform& transform, const Colors& colors)
 {
     const wide::Kernels& k = colors.kernels;
     const bool keep = transform.skipAlpha;
+    if (colors.only != Colors::none && passesChannels(transform))
+        return colors.copy(), true;
     if (const auto* const t = exactly<dGamma>(transform))
         return takePower(colors, perChannel([&](int i) { return 1.0f / t->gamma[i]; }), keep);
     if (const auto* const t = exactly<dClamp>(transform))
@@ -217,6 +248,8 @@ bool inverse(const dColorTransform& transform, const Colors& colors)
 {
     const wide::Kernels& k = colors.kernels;
     const bool keep = transform.skipAlpha;
+    if (colors.only != Colors::none && passesChannels(transform))
+        return colors.copy(), true;
     if (const auto* const t = exactly<dGamma>(transform))
         return takePower(colors, t->gamma, keep);
     if (const auto* const t = exactly<dSolarize>(transform))
@@ -246,6 +279,86 @@ bool inverse(const dColorTransform& transform, const Colors& colors)
     return false;
 }
 
+/// Forward or backward: the loop for colours, and the single forms.
+struct Way {
+    bool (*loop)(const dColorTransform&, const Colors&);
+    dColor (dColorTransform::*color)(dColor) const;
+    float (dColorTransform::*number)(float, int) const;
+    unsigned char (dColorTransform::*byte)(unsigned char, int) const;
+    unsigned short (dColorTransform::*word)(unsigned short, int) const;
+};
+constexpr Way forward = {transform, &dColorTransform::transformCl, &dColorTransform::transformFl,
+                         &dColorTransform::transformCh, &dColorTransform::transformSh};
+constexpr Way backward = {inverse, &dColorTransform::inverseCl, &dColorTransform::inverseFl,
+                          &dColorTransform::inverseCh, &dColorTransform::inverseSh};
+
+void takeColors(const Way& way, Processor processor, const dColorTransform& transform, const dColor* in,
+                dColor* out, std::size_t count)
+{
+    if (!way.loop(transform, {kernels(processor), reinterpret_cast<const float*>(in),
+                              reinterpret_cast<float*>(out), count}))
+        for (std::size_t i = 0; i < count; ++i)
+            out[i] = (transform.*way.color)(in[i]);
+}
+
+void takeNumbers(const Way& way, Processor processor, const dColorTransform& transform, const float* in,
+                 float* out, std::size_t count, int channel)
+{
+    // Four to a colour, and the rest of them one by one.
+    std::size_t i =
+        way.loop(transform, {kernels(processor), in, out, count / 4, channel}) ? count / 4 * 4 : 0;
+    for (; i < count; ++i)
+        out[i] = (transform.*way.number)(in[i], channel);
+}
+
+void takeBytes(const Way& way, const dColorTransform& transform, const unsigned char* in, unsigned char* out,
+               std::size_t count, int channel)
+{
+    constexpr std::size_t values = 256;
+    if (count < values) {
+        for (std::size_t i = 0; i < count; ++i)
+            out[i] = (transform.*way.byte)(in[i], channel);
+        return;
+    }
+    unsigned char results[values];
+    for (std::size_t value = 0; value < values; ++value)
+        results[value] = (transform.*way.byte)(static_cast<unsigned char>(value), channel);
+    for (std::size_t i = 0; i < count; ++i)
+        out[i] = results[in[i]];
+}
+
+/// Whether integer channels go through floats in the way that all of these classes have.
+bool goesThroughFloats(const dColorTransform& transform)
+{
+    return exactly<dGamma>(transform) || exactly<dClamp>(transform) || exactly<dThreshold>(transform) ||
+           exactly<dInvert>(transform) || exactly<dSolarize>(transform) || exactly<dBalance>(transform) ||
+           passesChannels(transform);
+}
+
+void takeWords(const Way& way, Processor processor, const dColorTransform& transform,
+               const unsigned short* in, unsigned short* out, std::size_t count, int channel)
+{
+    // Not by a table: it would take more values than there are in most calls to be worth its making.
+    if (!goesThroughFloats(transform)) {
+        for (std::size_t i = 0; i < count; ++i)
+            out[i] = (transform.*way.word)(in[i], channel);
+        return;
+    }
+    constexpr std::size_t atOnce = 4096;
+    float numbers[atOnce];
+    while (count != 0) {
+        const std::size_t some = std::min(count, atOnce);
+        for (std::size_t i = 0; i < some; ++i)
+            numbers[i] = toFloat(in[i]);
+        takeNumbers(way, processor, transform, numbers, numbers, some, channel);
+        for (std::size_t i = 0; i < some; ++i)
+            out[i] = toInteger<unsigned short>(numbers[i]);
+        in += some;
+        out += some;
+        count -= some;
+    }
+}
+
 /// The single form for the loops' own use.
 template <class Mapping, dVector (Mapping::*operation)(dVector) const>
 void single(const float* in, float* out)
@@ -273,19 +386,33 @@ namespace batch {
 void transformCl(Processor processor, const dColorTransform& transform, const dColor* in, dColor* out,
                  std::size_t count)
 {
-    if (!VHL::transform(transform, {kernels(processor), reinterpret_cast<const float*>(in),
-                                    reinterpret_cast<float*>(out), count}))
-        for (std::size_t i = 0; i < count; ++i)
-            out[i] = transform.transformCl(in[i]);
+    takeColors(forward, processor, transform, in, out, count);
+}
+void transformFl(Processor processor, const dColorTransform& transform, const float* in, float* out,
+                 std::size_t count, int channel)
+{
+    takeNumbers(forward, processor, transform, in, out, count, channel);
+}
+void transformSh(Processor processor, const dColorTransform& transform, const unsigned short* in,
+                 unsigned short* out, std::size_t count, int channel)
+{
+    takeWords(forward, processor, transform, in, out, count, channel);
 }
 
 void inverseCl(Processor processor, const dColorTransform& transform, const dColor* in, dColor* out,
                std::size_t count)
 {
-    if (!VHL::inverse(transform, {kernels(processor), reinterpret_cast<const float*>(in),
-                                  reinterpret_cast<float*>(out), count}))
-        for (std::size_t i = 0; i < count; ++i)
-            out[i] = transform.inverseCl(in[i]);
+    takeColors(backward, processor, transform, in, out, count);
+}
+void inverseFl(Processor processor, const dColorTransform& transform, const float* in, float* out,
+               std::size_t count, int channel)
+{
+    takeNumbers(backward, processor, transform, in, out, count, channel);
+}
+void inverseSh(Processor processor, const dColorTransform& transform, const unsigned short* in,
+               unsigned short* out, std::size_t count, int channel)
+{
+    takeWords(backward, processor, transform, in, out, count, channel);
 }
 
 void toTextureCoordinates(Processor processor, const dPanoramicConversion& m, const dVector* in, dVector* out,
@@ -322,9 +449,38 @@ void transformCl(const dColorTransform& transform, const dColor* in, dColor* out
 {
     batch::transformCl(processor(), transform, in, out, count);
 }
+void transformFl(const dColorTransform& transform, const float* in, float* out, std::size_t count,
+                 int channel)
+{
+    batch::transformFl(processor(), transform, in, out, count, channel);
+}
+void transformCh(const dColorTransform& transform, const unsigned char* in, unsigned char* out,
+                 std::size_t count, int channel)
+{
+    takeBytes(forward, transform, in, out, count, channel);
+}
+void transformSh(const dColorTransform& transform, const unsigned short* in, unsigned short* out,
+                 std::size_t count, int channel)
+{
+    batch::transformSh(processor(), transform, in, out, count, channel);
+}
 void inverseCl(const dColorTransform& transform, const dColor* in, dColor* out, std::size_t count)
 {
     batch::inverseCl(processor(), transform, in, out, count);
+}
+void inverseFl(const dColorTransform& transform, const float* in, float* out, std::size_t count, int channel)
+{
+    batch::inverseFl(processor(), transform, in, out, count, channel);
+}
+void inverseCh(const dColorTransform& transform, const unsigned char* in, unsigned char* out,
+               std::size_t count, int channel)
+{
+    takeBytes(backward, transform, in, out, count, channel);
+}
+void inverseSh(const dColorTransform& transform, const unsigned short* in, unsigned short* out,
+               std::size_t count, int channel)
+{
+    batch::inverseSh(processor(), transform, in, out, count, channel);
 }
 void toTextureCoordinates(const dPanoramicConversion& mapping, const dVector* in, dVector* out,
                           std::size_t count)

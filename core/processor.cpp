@@ -17,7 +17,8 @@ static Processor detect()
 {
     constexpr unsigned ymm = 0x6, zmm = 0xe6; // with all that they contain, and the masks
     unsigned a = 0, b = 0, c = 0, d = 0;
-    if (!__get_cpuid(1, &a, &b, &c, &d) || !(c & bit_OSXSAVE) || !(c & bit_AVX))
+    constexpr unsigned avx = bit_OSXSAVE | bit_AVX | bit_FMA;
+    if (!__get_cpuid(1, &a, &b, &c, &d) || (c & avx) != avx)
         return Processor::plain;
     const unsigned saved = savedRegisters();
     if ((saved & ymm) != ymm || !__get_cpuid_count(7, 0, &a, &b, &c, &d) || !(b & bit_AVX2))

@@ -7,7 +7,7 @@ namespace VHL {
 /// In rising order: who has one has those before it.
 enum class Processor {
     plain,       ///< x86-64: vectors of 128 bits
-    avx2,        ///< 256 bits
+    avx2,        ///< 256 bits: AVX2 and FMA
     avx512,      ///< 512 bits: AVX-512 F and DQ
     avx512Bytes, ///< with bytes in any order: BW, VL and VBMI too
 };

@@ -2,6 +2,7 @@
 #include "transforms.h"
 
 #include "balance.h"
+#include "integers.h"
 #include "wide/rules.h"
 
 #include <cmath>
@@ -12,19 +13,11 @@ namespace VHL {
 
 namespace {
 
-/// An integer channel by way of a float one. The rest beyond a half is looked at before anything is added, as
-/// adding could round.
+/// An integer channel by way of a float one.
 template <class Integer>
 Integer throughFloat(Integer value, const auto& operation)
 {
-    const float most = Integer(-1);
-    const float x = operation(float(value) / most) * most;
-    if (x > most)
-        return Integer(-1);
-    if (!(x >= 0)) // a NaN too, which has no integer part
-        return 0;
-    const float whole = std::floor(x);
-    return Integer(int(whole) + (x - whole > 0.5f));
+    return toInteger<Integer>(operation(toFloat(value)));
 }
 
 dColor perChannel(const dColor& color, bool skipAlpha, const auto& operation)

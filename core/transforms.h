@@ -258,4 +258,20 @@ VHL_API void transformCl(const dColorTransform& transform, const dColor* in, dCo
 /// The same for transform.inverseCl.
 VHL_API void inverseCl(const dColorTransform& transform, const dColor* in, dColor* out, std::size_t count);
 
+/// The same for arrays of one channel: transform.transformFl and so on for every value, bit for bit. Floats
+/// and 16-bit values of the classes above go as colours do. For 256 bytes or more, each of the values that a
+/// byte has is transformed once; a transform must give the same for the same value.
+VHL_API void transformFl(const dColorTransform& transform, const float* in, float* out, std::size_t count,
+                         int channel);
+VHL_API void inverseFl(const dColorTransform& transform, const float* in, float* out, std::size_t count,
+                       int channel);
+VHL_API void transformCh(const dColorTransform& transform, const unsigned char* in, unsigned char* out,
+                         std::size_t count, int channel);
+VHL_API void inverseCh(const dColorTransform& transform, const unsigned char* in, unsigned char* out,
+                       std::size_t count, int channel);
+VHL_API void transformSh(const dColorTransform& transform, const unsigned short* in, unsigned short* out,
+                         std::size_t count, int channel);
+VHL_API void inverseSh(const dColorTransform& transform, const unsigned short* in, unsigned short* out,
+                       std::size_t count, int channel);
+
 } // namespace VHL

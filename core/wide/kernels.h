@@ -7,20 +7,22 @@
 
 namespace VHL::wide {
 
-/// What a power takes from tables, for one exponent. A positive normal number is 2^e * m with m from 1 to 2;
-/// its power is that of 2^e, times that of the middle of m's 256th part, times a short binomial series for
-/// the rest.
+/// What a power takes from tables, for one exponent. A positive normal number is 4^k * n with n from 1 to 4;
+/// its power is that of 4^k, times that of the middle of n's part, times a short binomial series for the
+/// rest. There are 128 parts from 1 to 2 and as many from 2 to 4, so that a float's upper bytes are the
+/// indices.
 struct PowerTable {
-    /// By sign and exponent of a float: the power of 2^e. NaN where there is no such number: for what is
-    /// negative, not finite, denormal or zero.
-    double scale[512];
+    /// By sign and all but the last digit of the exponent: the power of 4^k. NaN where that is no such number
+    /// or not for sure: for what is negative, infinite, none, zero, below 2^-125 or from 2^127 on.
+    double scale[256];
+    /// By the exponent's last digit and the first seven of the mantissa.
     struct {
-        double inverse; ///< of about the middle
-        double power;   ///< of the inverse's inverse
+        double inverse; ///< of about the middle of the mantissa's part
+        double power;   ///< of the middle, less by the greatest error of all that
     } part[256];
     double exponent;
     double second, third; ///< binomial coefficients
-    double error;         ///< a bound for the relative error of all that
+    double spread;        ///< at most so many times what comes out is the power
     float ofZero;         ///< the power of +0
 };
 

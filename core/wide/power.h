@@ -29,8 +29,7 @@ public:
             exponent[i] = table.exponent;
             second[i] = table.second;
             third[i] = table.third;
-            below[i] = 1 - table.error;
-            above[i] = 1 + table.error;
+            spread[i] = table.spread;
             for (int lane = i; lane < 4 * colorsAtOnce; lane += 4) {
                 ofZero[lane] = table.ofZero;
                 kept[lane] = keepAlpha && i == 3 ? -1 : 0;
@@ -78,39 +77,39 @@ private:
 
     [[gnu::always_inline]] Near look(const float* in) const
     {
-        // Alpha that is kept has blue's part, but a scale of 0: it comes out 0, and sure.
-        const FourDoubles redAndBlue = part(in, 0, 2), greenAndAlpha = part(in, 1, keepAlpha ? 2 : 3);
+        // Alpha that is kept has green's part, but a scale of 0: it comes out 0, and sure.
+        const FourDoubles redAndBlue = part(in, 0, 2), greenAndAlpha = part(in, 1, keepAlpha ? 1 : 3);
         const FourDoubles inverse = __builtin_shufflevector(redAndBlue, greenAndAlpha, 0, 4, 2, 6),
                           power = __builtin_shufflevector(redAndBlue, greenAndAlpha, 1, 5, 3, 7),
                           scale = {scaleOf(in, 0), scaleOf(in, 1), scaleOf(in, 2),
                                    keepAlpha ? 0 : scaleOf(in, 3)};
         const FourDoubles mantissa = widen(Four((load<FourBits>(in) & 0x7fffff) | 0x3f800000));
-        return {scale * power, mantissa * inverse - 1};
+        return {scale * power, plus(mantissa, inverse, constant(-1))};
     }
 
-    [[gnu::always_inline]] static unsigned number(const float* of)
+    [[gnu::always_inline]] static unsigned byte(const float* in, int channel, int number)
     {
-        unsigned result = 0;
-        __builtin_memcpy(&result, of, sizeof result);
-        return result;
+        return reinterpret_cast<const unsigned char*>(in + channel)[number];
     }
 
     [[gnu::always_inline]] double scaleOf(const float* in, int channel) const
     {
-        return tables[channel]->scale[number(in + channel) >> 23];
+        return tables[channel]->scale[byte(in, channel, 3)];
     }
 
     /// What two channels' tables say of their parts: inverse and power, and again.
     [[gnu::always_inline]] FourDoubles part(const float* in, int one, int other) const
     {
         using Two [[gnu::vector_size(16)]] = double;
-        const auto find = [&](int channel) __attribute__((always_inline))
+        const auto entry = [&](int channel) __attribute__((always_inline))
         {
-            constexpr unsigned size = sizeof tables[0]->part[0];
-            const unsigned offset = number(in + channel) / (0x8000 / size) & (255 * size);
-            return load<Two>(reinterpret_cast<const char*>(tables[channel]->part) + offset);
+            return &tables[channel]->part[byte(in, channel, 2)];
         };
-        return __builtin_shufflevector(find(one), find(other), 0, 1, 2, 3);
+#if VHL_BITS > 128
+        if (one == other) // the load does it, which the compiler does not see
+            return FourDoubles(_mm256_broadcast_pd(reinterpret_cast<const __m128d*>(entry(one))));
+#endif
+        return __builtin_shufflevector(load<Two>(entry(one)), load<Two>(entry(other)), 0, 1, 2, 3);
     }
 
     [[gnu::always_inline]] static FourDoubles widen(Four v)
@@ -122,9 +121,23 @@ private:
 #endif
     }
 
+    [[gnu::always_inline]] static FourDoubles constant(double all) { return FourDoubles{} + all; }
+
+    /// a * b + c, however it is rounded: that is within the error.
+    [[gnu::always_inline]] static FourDoubles plus(FourDoubles a, FourDoubles b, FourDoubles c)
+    {
+#if VHL_BITS > 128
+        return FourDoubles(_mm256_fmadd_pd(a, b, c));
+#else
+        return a * b + c;
+#endif
+    }
+
+    /// Less than the power by no more than the spread.
     [[gnu::always_inline]] FourDoubles powerOf(const Near& near) const
     {
-        return near.power * (1 + near.rest * (exponent + near.rest * (second + near.rest * third)));
+        const FourDoubles r = near.rest;
+        return plus(near.power * r, plus(plus(third, r, second), r, exponent), near.power);
     }
 
     [[gnu::always_inline]] void finish(const float* in, const Near* near, float* out) const
@@ -133,11 +146,11 @@ private:
         const Several v = load<Several>(in);
 #if VHL_BITS == 128
         const FourDoubles power = powerOf(*near);
-        const Several low = __builtin_convertvector(power * below, Four),
-                      high = __builtin_convertvector(power * above, Four);
+        const Several low = __builtin_convertvector(power, Four),
+                      high = __builtin_convertvector(power * spread, Four);
 #else
         const FourDoubles power = powerOf(near[0]), next = powerOf(near[1]);
-        const Several low = rounded(power * below, next * below), high = rounded(power * above, next * above);
+        const Several low = rounded(power, next), high = rounded(power * spread, next * spread);
 #endif
         const SeveralBits zero = SeveralBits(v) == 0, sure = (low == high) | zero;
         const Several results = kept ? v : zero ? ofZero : high;
@@ -175,7 +188,7 @@ private:
     };
 
     const PowerTable* tables[4];
-    FourDoubles exponent, second, third, below, above;
+    FourDoubles exponent, second, third, spread;
     Several ofZero;
     SeveralBits kept;
 };

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Rays that shaders cast.
 #include "host/render/trace.h"
+#include "host/api/further.h"
 
 miBoolean mi_trace_eye(miColor* result, miState* state, miVector* origin, miVector* direction)
 {
@@ -32,4 +33,17 @@ miBoolean mi_trace_shadow(miColor* const result, miState* const state)
     return host::traceShadow(*result, *state);
 }
 
+miBoolean mi_trace_probe(miState* state, miVector* direction, miVector* origin)
+{
+    return host::traceProbe(*state, *direction, *origin);
+}
+
 void mi_opacity_set(miState* state, miColor const* const opacity) { host::setOpacity(*state, *opacity); }
+
+miBoolean mi_opacity_get(miState* state, miColor* opacity)
+{
+    const std::optional<miColor> stored = host::opacityOf(*state);
+    if (stored)
+        *opacity = *stored;
+    return stored.has_value();
+}

@@ -375,6 +375,35 @@ miBoolean traceSecondary(miColor& result, miState& state, const miVector& direct
     return shade(thread, *frame, ray, result);
 }
 
+miBoolean traceProbe(miState& state, const miVector& direction, const miVector& origin)
+{
+    RenderThread& thread = RenderThread::of(state);
+    const FunctionList* const environment = thread.top().environment;
+    const FrameScope frame(thread);
+    beginChild(*frame, state, environment, miRAY_PROBE);
+    miState& child = frame->state;
+    clearHit(child);
+    child.org = origin;
+    child.dir = isFinite(direction) ? normalised(direction) : direction;
+    if (isNull(direction) || !isFinite(direction) || !isFinite(origin))
+        return miFALSE;
+    Ray ray;
+    ray.origin = child.org;
+    ray.direction = child.dir;
+    ray.near = startDistance(child.org);
+    ray.far = infinity;
+    ray.seenBy = seenByReflection | seenByRefraction | seenByTransparency;
+    if (isSame(origin, state.point)) {
+        ray.startInstance = state.instance;
+        ray.startPolygon = state.pri;
+    }
+    Hit hit;
+    if (!thread.stage.world.nearest(ray, hit))
+        return miFALSE;
+    setHit(*frame, ray.direction, hit, true);
+    return miTRUE;
+}
+
 miBoolean traceEnvironment(miColor& result, miState& state, const miVector& direction)
 {
     RenderThread& thread = RenderThread::of(state);
@@ -393,6 +422,12 @@ void setOpacity(miState& state, const miColor& opacity)
     RenderThread* const thread = RenderThread::find(state);
     if (thread && state.type != miRAY_LIGHT && state.type != miRAY_SHADOW && state.type != miRAY_ENVIRONMENT)
         thread->top().opacity = opacity;
+}
+
+std::optional<miColor> opacityOf(const miState& state)
+{
+    RenderThread* const thread = RenderThread::find(state);
+    return thread ? thread->top().opacity : std::nullopt;
 }
 
 } // namespace host

@@ -28,6 +28,10 @@ miBoolean traceSecondary(miColor& result, miState& state, const miVector& direct
 /// Asks the state's environment.
 miBoolean traceEnvironment(miColor& result, miState& state, const miVector& direction);
 
+/// Looks for the nearest hit without calling a shader, and fills the state's child with it. Levels do not
+/// count and do not limit it. Sees what any reflected, refracted or transparent ray would.
+miBoolean traceProbe(miState& state, const miVector& direction, const miVector& origin);
+
 /// For light shaders: multiplies the colour by what lets light through between the state's org and point.
 /// False when nothing is left.
 miBoolean traceShadow(miColor& result, miState& state);
@@ -43,6 +47,9 @@ const std::vector<miTag>& lightList(miState& state, const miTag* tags, int count
 /// The opacity of the state's sample: the last one set counts. Without a sample, in networks that run before
 /// rendering, it has no meaning and is left out.
 void setOpacity(miState& state, const miColor& opacity);
+
+/// The opacity that has been set last; none before.
+std::optional<miColor> opacityOf(const miState& state);
 
 /// Fills the state's hit fields for what arrives at the hit in this direction. With `flip`, normals are
 /// turned against it.

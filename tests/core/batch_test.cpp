@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 #include <memory>
 #include <string>
@@ -111,7 +112,8 @@ void expectSame(Processor processor, const dColorTransform& transform, const std
 
 TEST(Batch, KnowsTheProcessor)
 {
-    EXPECT_EQ(processor() >= Processor::avx2, __builtin_cpu_supports("avx2") != 0);
+    EXPECT_EQ(processor() >= Processor::avx2,
+              __builtin_cpu_supports("avx2") && __builtin_cpu_supports("fma"));
     EXPECT_EQ(processor() >= Processor::avx512Bytes,
               __builtin_cpu_supports("avx512dq") && __builtin_cpu_supports("avx512bw") &&
                   __builtin_cpu_supports("avx512vl") && __builtin_cpu_supports("avx512vbmi"));
@@ -169,6 +171,142 @@ TEST(Batch, WorksInPlaceAndAtAnyAddress)
                     ASSERT_EQ(Exactly{colors[k][i]}, Exactly{expected[i]}) << typeid(*transform).name();
             }
         }
+}
+
+namespace {
+
+/// A batch form of one channel on a processor, and the single form.
+template <class Value>
+struct Channels {
+    void (*batch)(Processor, const dColorTransform&, const Value*, Value*, std::size_t, int);
+    Value (dColorTransform::*single)(Value, int) const;
+};
+
+/// Bytes have one form for all processors.
+template <auto form>
+void onAny(Processor, const dColorTransform& transform, const unsigned char* in, unsigned char* out,
+           std::size_t count, int channel)
+{
+    form(transform, in, out, count, channel);
+}
+
+const Channels<float> floatForms[] = {{batch::transformFl, &dColorTransform::transformFl},
+                                      {batch::inverseFl, &dColorTransform::inverseFl}};
+using BytesForm = void (*)(const dColorTransform&, const unsigned char*, unsigned char*, std::size_t, int);
+const Channels<unsigned char> byteForms[] = {
+    {onAny<static_cast<BytesForm>(transformCh)>, &dColorTransform::transformCh},
+    {onAny<static_cast<BytesForm>(inverseCh)>, &dColorTransform::inverseCh}};
+const Channels<unsigned short> wordForms[] = {{batch::transformSh, &dColorTransform::transformSh},
+                                              {batch::inverseSh, &dColorTransform::inverseSh}};
+
+Exactly exactly(float value) { return {value}; }
+int exactly(int value) { return value; }
+
+/// In place, between values that have to stay, and at no vector's address.
+template <class Value>
+void expectSame(const Channels<Value>& form, const dColorTransform& transform, const std::vector<Value>& in)
+{
+    for (const Processor processor : processors())
+        for (int channel = 0; channel < 4; ++channel) {
+            std::vector<Value> values(in.size() + 2, Value(42));
+            std::ranges::copy(in, values.begin() + 1);
+            form.batch(processor, transform, values.data() + 1, values.data() + 1, in.size(), channel);
+            for (std::size_t k = 0; k < in.size(); ++k)
+                ASSERT_EQ(exactly(values[k + 1]), exactly((transform.*form.single)(in[k], channel)))
+                    << name(processor) << ' ' << typeid(transform).name() << ", value " << k << " of "
+                    << in.size() << ", from " << +in[k] << " in channel " << channel;
+            ASSERT_TRUE(values.front() == Value(42) && values.back() == Value(42))
+                << "written beyond the ends";
+        }
+}
+
+/// Those transforms that single channels tell apart: skipAlpha makes no difference to them.
+std::vector<std::shared_ptr<dColorTransform>> channelTransforms()
+{
+    auto all = transforms();
+    std::erase_if(all, [](const auto& transform) { return !transform->skipAlpha; });
+    return all;
+}
+
+/// From 0 up to so many, and over again.
+template <class Value>
+std::vector<Value> counted(std::size_t count)
+{
+    std::vector<Value> values(count);
+    for (std::size_t k = 0; k < count; ++k)
+        values[k] = static_cast<Value>(k);
+    return values;
+}
+
+} // namespace
+
+TEST(Batch, TransformsFloatsOfAChannelBitForBit)
+{
+    for (const auto& transform : channelTransforms())
+        for (const Channels<float>& form : floatForms)
+            for (const std::size_t count : {0, 1, 2, 3, 4, 5, 7, 8, 63, 1023, 1024, 1027, 3001}) {
+                AnyFloat any(unsigned(count) + 86);
+                std::vector<float> in(count);
+                for (std::size_t k = 0; k < count; ++k)
+                    in[k] = k % 4 == 0 ? any() : float(k) / float(count);
+                expectSame(form, *transform, in);
+                if (HasFatalFailure())
+                    return;
+            }
+}
+
+TEST(Batch, TransformsEveryByteOfAChannel)
+{
+    for (const auto& transform : channelTransforms())
+        for (const Channels<unsigned char>& form : byteForms)
+            for (const std::size_t count : {0, 1, 7, 255, 256, 1000}) {
+                expectSame(form, *transform, counted<unsigned char>(count));
+                if (HasFatalFailure())
+                    return;
+            }
+}
+
+TEST(Batch, TransformsEvery16BitValueOfAChannel)
+{
+    for (const auto& transform : channelTransforms())
+        for (const Channels<unsigned short>& form : wordForms)
+            for (const std::size_t count : {0, 1, 3, 5000, 65536}) {
+                expectSame(form, *transform, counted<unsigned short>(count));
+                if (HasFatalFailure())
+                    return;
+            }
+}
+
+TEST(Batch, CallsWhatOthersDeriveForChannels)
+{
+    struct Mine : dInvert {
+        Mine() : dInvert(1.0f) {}
+        float transformFl(float value, int channel) const override { return value + float(channel); }
+        float inverseFl(float, int) const override { return 0.25f; }
+        unsigned char transformCh(unsigned char value, int) const override { return value ^ 1; }
+        unsigned short transformSh(unsigned short value, int) const override { return value ^ 2; }
+    };
+    const Mine mine;
+    std::vector<float> floats(9, 0.5f);
+    transformFl(mine, floats.data(), floats.data(), floats.size(), 3);
+    EXPECT_EQ(floats, std::vector<float>(9, 3.5f));
+    inverseFl(mine, floats.data(), floats.data(), floats.size(), 3);
+    EXPECT_EQ(floats, std::vector<float>(9, 0.25f));
+    for (const std::size_t count : {5, 500}) {
+        std::vector<unsigned char> bytes(count, 4);
+        transformCh(mine, bytes.data(), bytes.data(), count, 0);
+        EXPECT_EQ(bytes, std::vector<unsigned char>(count, 5));
+        inverseCh(mine, bytes.data(), bytes.data(), count, 0);
+        EXPECT_EQ(bytes, std::vector<unsigned char>(count, 64)); // a quarter of 255 is 63.75
+        std::vector<unsigned short> words(count, 4);
+        transformSh(mine, words.data(), words.data(), count, 0);
+        EXPECT_EQ(words, std::vector<unsigned short>(count, 6));
+        inverseSh(mine, words.data(), words.data(), count, 0);
+        EXPECT_EQ(words, std::vector<unsigned short>(count, 16384)); // a quarter of 65535 is 16383.75
+    }
+    transformFl(mine, nullptr, nullptr, 0, 0);
+    transformCh(mine, nullptr, nullptr, 0, 0);
+    inverseSh(dClamp(0.0f, 1.0f), nullptr, nullptr, 0, 0);
 }
 
 TEST(Batch, CallsWhatOthersDerive)

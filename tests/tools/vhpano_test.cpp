@@ -12,8 +12,11 @@
 #include <cmath>
 #include <filesystem>
 #include <functional>
+#include <limits>
 #include <numbers>
 #include <optional>
+#include <random>
+#include <sys/resource.h>
 
 namespace {
 
@@ -240,7 +243,7 @@ TEST_F(Vhpano, LeavesAPictureAloneThatStaysWhereItIs)
 {
     const Image original = painted(layouts[0], 128, 64);
     write(folder.path("in.exr"), original);
-    for (const char* const filter : {"nearest", "bilinear"}) {
+    for (const char* const filter : {"nearest", "bilinear", "bicubic"}) {
         SCOPED_TRACE(filter);
         const Image same = converted({"--from", "latlong", "--to", "latlong", "--filter", filter});
         ASSERT_EQ(same.values.size(), original.values.size());
@@ -253,6 +256,122 @@ TEST_F(Vhpano, LeavesAPictureAloneThatStaysWhereItIs)
             for (int x = 0; x < 128; ++x)
                 for (int i = 0; i < 3; ++i)
                     ASSERT_NEAR(turned.at(x, y)[i], original.at((x + 64) % 128, y)[i], 2e-3) << x << ' ' << y;
+    }
+}
+
+/// What a filter makes a texel weigh at a distance from its middle, along a line.
+double weight(const std::string& filter, double distance)
+{
+    const double d = std::abs(distance);
+    if (filter == "nearest")
+        return d < 0.5;
+    if (filter == "bilinear")
+        return std::max(0.0, 1 - d);
+    return d < 1 ? (1.5 * d - 2.5) * d * d + 1 : d < 2 ? ((-0.5 * d + 2.5) * d - 4) * d + 2 : 0;
+}
+
+TEST_F(Vhpano, FiltersWeighTexelsOfEveryTypeAndNumberOfChannels)
+{
+    // Larger than the tiles that images are read by, and no multiple of theirs.
+    constexpr int width = 150, height = 70, factor = 2;
+    std::mt19937 engine(3);
+    std::uniform_real_distribution<float> value(0, 1);
+    using OIIO::TypeDesc;
+    const std::pair<TypeDesc, int> kinds[] = {
+        {TypeDesc::UINT8, 3}, {TypeDesc::UINT16, 3}, {TypeDesc::HALF, 3},  {TypeDesc::FLOAT, 1},
+        {TypeDesc::FLOAT, 2}, {TypeDesc::FLOAT, 3},  {TypeDesc::UINT8, 4}, {TypeDesc::HALF, 5}};
+    for (const auto& [type, channels] : kinds) {
+        const std::string in = type == TypeDesc::HALF ? "in.exr" : "in.tif";
+        std::vector<float> texels(std::size_t(width) * height * channels);
+        std::ranges::generate(texels, [&] { return value(engine); });
+        const auto output = OIIO::ImageOutput::create(folder.path(in));
+        ASSERT_TRUE(output->open(folder.path(in), OIIO::ImageSpec(width, height, channels, type)));
+        ASSERT_TRUE(output->write_image(TypeDesc::FLOAT, texels.data()));
+        ASSERT_TRUE(output->close());
+        const auto read = [&, count = channels](const std::string& file, std::vector<float>& values) {
+            const auto input = OIIO::ImageInput::open(folder.path(file));
+            ASSERT_TRUE(input);
+            ASSERT_EQ(input->spec().nchannels, count);
+            values.resize(std::size_t(input->spec().width) * input->spec().height * count);
+            ASSERT_TRUE(input->read_image(0, 0, 0, count, TypeDesc::FLOAT, values.data()));
+        };
+        read(in, texels); // as they have been rounded
+        for (const std::string filter : {"nearest", "bilinear", "bicubic"}) {
+            SCOPED_TRACE(filter + ' ' + type.c_str() + ' ' + std::to_string(channels));
+            const Outcome outcome =
+                run({in, "out.exr", "--from", "latlong", "--to", "latlong", "--filter", filter, "--type",
+                     "float", "--size", std::to_string(width * factor), std::to_string(height * factor)});
+            ASSERT_EQ(outcome.status, 0) << outcome.messages;
+            std::vector<float> result;
+            read("out.exr", result);
+            for (int y = 0; y < height * factor; ++y)
+                for (int x = 0; x < width * factor; ++x)
+                    for (int channel = 0; channel < channels; ++channel) {
+                        const double u = (x + 0.5) / factor - 0.5, v = (y + 0.5) / factor - 0.5;
+                        double expected = 0;
+                        for (int j = int(v) - 3; j <= int(v) + 3; ++j)
+                            for (int i = int(u) - 3; i <= int(u) + 3; ++i) {
+                                // Around the turn, and held at the poles.
+                                const int column = (i + width) % width, row = std::clamp(j, 0, height - 1);
+                                expected += weight(filter, u - i) * weight(filter, v - j) *
+                                            texels[std::size_t((row * width + column) * channels + channel)];
+                            }
+                        ASSERT_NEAR(result[std::size_t((y * width * factor + x) * channels + channel)],
+                                    expected, 2e-3)
+                            << x << ' ' << y << " channel " << channel;
+                    }
+        }
+    }
+}
+
+TEST_F(Vhpano, PassesNumbersThatAreNone)
+{
+    // As halves, which are unpacked by hand.
+    constexpr float infinity = std::numeric_limits<float>::infinity();
+    Image image{128, 64, std::vector<float>(128 * 64 * 3, 1)};
+    const float odd[] = {infinity, -infinity, 0x1p-24f, -0x1p-15f, 65504, -65504, 0, -1};
+    for (int i = 0; i < 8; ++i)
+        image.values[std::size_t(32 * 128 + 10 * i) * 3] = odd[i];
+    image.values[std::size_t(32 * 128 + 100) * 3] = std::numeric_limits<float>::quiet_NaN();
+    write(folder.path("in.exr"), image, OIIO::TypeDesc::HALF);
+    const Image same =
+        converted({"--from", "latlong", "--to", "latlong", "--filter", "nearest", "--type", "float"});
+    ASSERT_EQ(same.width, 128);
+    for (int i = 0; i < 8; ++i)
+        EXPECT_EQ(*same.at(10 * i, 32), odd[i]);
+    EXPECT_TRUE(std::isnan(*same.at(100, 32)));
+}
+
+TEST_F(Vhpano, TakesThePartOfAPictureThatAFileHasForAPart)
+{
+    const Image whole = painted(layouts[0], 128, 64);
+    // Columns 32 to 95 and rows 16 to 47 of it.
+    Image part{64, 32, {}};
+    for (int y = 16; y < 48; ++y)
+        part.values.insert(part.values.end(), whole.at(32, y), whole.at(95, y) + 3);
+    OIIO::ImageSpec spec(64, 32, 3, OIIO::TypeDesc::FLOAT);
+    spec.x = 32;
+    spec.y = 16;
+    spec.full_width = 128;
+    spec.full_height = 64;
+    const auto output = OIIO::ImageOutput::create(folder.path("in.exr"));
+    ASSERT_TRUE(output && output->open(folder.path("in.exr"), spec));
+    ASSERT_TRUE(output->write_image(OIIO::TypeDesc::FLOAT, part.values.data()));
+    ASSERT_TRUE(output->close());
+    for (const char* const filter : {"nearest", "bilinear", "bicubic"}) {
+        SCOPED_TRACE(filter);
+        const Image result = converted({"--from", "latlong", "--to", "latlong", "--filter", filter});
+        ASSERT_EQ(result.width, 128);
+        ASSERT_EQ(result.height, 64);
+        for (int y = 0; y < 64; ++y)
+            for (int x = 0; x < 128; ++x) {
+                const int toEdge = std::min(std::min(x - 32, 95 - x), std::min(y - 16, 47 - y));
+                if (toEdge >= 3 || toEdge <= -3) {
+                    for (int i = 0; i < 3; ++i)
+                        ASSERT_NEAR(result.at(x, y)[i], toEdge > 0 ? whole.at(x, y)[i] : 0, 2e-3)
+                            << x << ' ' << y;
+                }
+            }
     }
 }
 
@@ -366,6 +485,30 @@ TEST_F(Vhpano, BadFilesAreToldAndNothingIsWritten)
     expectError(with("in.exr", "nowhere/out.exr"), 1, "cannot write \"nowhere/out.exr\"");
     EXPECT_EQ(folder.names(),
               (std::vector<std::string>{"empty.exr", "in.exr", "out.exr", "short.exr", "text.png"}));
+}
+
+TEST_F(Vhpano, WidePicturesTakeAsMuchMemoryAsIsStated)
+{
+    const OIIO::ImageSpec spec(30000, 40, 4, OIIO::TypeDesc::HALF);
+    std::vector<float> row(std::size_t(spec.width) * 4);
+    for (std::size_t i = 0; i < row.size(); ++i)
+        row[i] = float(i % 977) / 977;
+    const auto output = OIIO::ImageOutput::create(folder.path("in.exr"));
+    ASSERT_TRUE(output && output->open(folder.path("in.exr"), spec));
+    for (int y = 0; y < spec.height; ++y)
+        ASSERT_TRUE(output->write_scanline(y, 0, OIIO::TypeDesc::FLOAT, row.data()));
+    ASSERT_TRUE(output->close());
+    for (const char* const filter : {"footprint", "bicubic"}) {
+        const Outcome outcome = run({"in.exr", "out.exr", "--from", "latlong", "--to", "latlong", "--size",
+                                     "30000", "130", "--filter", filter, "--threads", "2"});
+        ASSERT_EQ(outcome.status, 0) << outcome.messages;
+        EXPECT_EQ(read(folder.path("out.exr")).width, 30000);
+        // The most of all programs that this one has run, in kilobytes: 120 MB of rows, 24 MB of the input
+        // and averages of it, 31 MB of output, and some 130 MB of libraries with what they keep.
+        rusage used{};
+        ASSERT_EQ(getrusage(RUSAGE_CHILDREN, &used), 0);
+        EXPECT_LT(used.ru_maxrss, 500'000) << filter;
+    }
 }
 
 TEST_F(Vhpano, MayReplaceItsInput)

@@ -5,8 +5,7 @@
 #include "host/report/error.h"
 #include "host/system/safe_file.h"
 #include "host/system/workers.h"
-
-#include <OpenImageIO/texture.h>
+#include "tools/vhpano/sampler.h"
 
 #include <algorithm>
 #include <array>
@@ -27,14 +26,6 @@ using VHL::dVector;
 
 /// Rows of the output that one thread converts at a time.
 constexpr int chunkRows = 16;
-
-/// A place in the input image, u from the left and v from the bottom; none where it shows nothing.
-struct Place {
-    float u = 0;
-    float v = 0;
-    bool exists = false;
-    int part = 0; ///< which piece of the input, where it consists of several
-};
 
 /// Turns directions of the output's view into those of the input's.
 class Turn {
@@ -79,136 +70,15 @@ private:
     Matrix matrix_{};
 };
 
-/// How fast a place moves from one output pixel to the next, in the input's coordinates.
-struct Step {
-    float u = 0;
-    float v = 0;
-
-    float length() const { return std::hypot(u, v); }
-    Step operator*(float factor) const { return {u * factor, v * factor}; }
-};
-
-/// The shorter of the ways to the neighbours on either side: across a seam of the input the other one is
-/// long.
-Step shorterStep(const Place& before, const Place& here, const Place& after)
-{
-    const auto isNear = [&](const Place& other) { return other.exists && other.part == here.part; };
-    const Step back = {here.u - before.u, here.v - before.v};
-    const Step on = {after.u - here.u, after.v - here.v};
-    if (!isNear(before) || !isNear(after))
-        return isNear(before) ? back : isNear(after) ? on : Step{};
-    return back.length() < on.length() ? back : on;
-}
-
 /// The face of a cube's column, from the bottom.
 int faceAt(float v) { return static_cast<int>(std::clamp(std::floor(v * 6), 0.0f, 5.0f)); }
-
-/// The input, looked up so that nothing from beyond its seams is mixed in.
-class Source {
-public:
-    Source(const Conversion& conversion, const OIIO::ImageSpec& spec)
-        : layout_(conversion.from), channels_(spec.nchannels), width_(spec.width), height_(spec.height),
-          system_(OIIO::TextureSystem::create(true)) // the process's one, which nobody has to delete
-    {
-        const bool footprint = conversion.filter == Filter::footprint;
-        system_->attribute("max_memory_MB", 1024.0f);
-        system_->attribute("autotile", 64);
-        system_->attribute("automip", footprint ? 1 : 0);
-        handle_ = system_->get_texture_handle(OIIO::ustring(conversion.input));
-        if (!handle_ || !system_->good(handle_))
-            throw broken();
-        using OIIO::TextureOpt;
-        options_.swrap = layout_ == Layout::latlong ? TextureOpt::WrapPeriodic : TextureOpt::WrapClamp;
-        options_.twrap = TextureOpt::WrapClamp;
-        options_.mipmode = footprint ? TextureOpt::MipModeAniso : TextureOpt::MipModeNoMIP;
-        options_.interpmode = conversion.filter == Filter::nearest    ? TextureOpt::InterpClosest
-                              : conversion.filter == Filter::bilinear ? TextureOpt::InterpBilinear
-                              : conversion.filter == Filter::bicubic  ? TextureOpt::InterpBicubic
-                                                                      : TextureOpt::InterpSmartBicubic;
-    }
-
-    int channels() const { return channels_; }
-
-    /// Safe from any thread.
-    void look(const Place& place, Step right, Step up, float* result) const
-    {
-        OIIO::TextureOpt options = options_;
-        float covered = std::max(texels(right), texels(up));
-        // Near where the piece ends, a wide average would take in what lies beyond.
-        if (covered > 2 && texelsToEnd(place) < covered + 0.5f) {
-            right = right * (2 / covered);
-            up = up * (2 / covered);
-            covered = 2;
-        }
-        if (covered <= 1)
-            options.mipmode = OIIO::TextureOpt::MipModeNoMIP; // which is all that would come out of it
-        // Bicubic filters reach two texels far, bilinear ones half a texel, and averages of averages twice
-        // theirs.
-        if (options.interpmode != OIIO::TextureOpt::InterpClosest && texelsToEnd(place) < 2)
-            options.interpmode = OIIO::TextureOpt::InterpBilinear;
-        const Place inside = inset(place, covered <= 1 ? 0.5f : covered + 0.5f);
-        if (!system_->texture(handle_, system_->get_perthread_info(), options, inside.u, 1 - inside.v,
-                              right.u, -right.v, up.u, -up.v, channels_, result))
-            throw broken();
-    }
-
-private:
-    Error broken() const { return Error("cannot read the input: " + system_->geterror()); }
-
-    float texels(const Step& step) const
-    {
-        return std::hypot(step.u * static_cast<float>(width_), step.v * static_cast<float>(height_));
-    }
-
-    /// How far it is to where another face, or nothing, begins above, below or around a place.
-    float texelsToEnd(const Place& place) const
-    {
-        if (layout_ == Layout::latlong)
-            return std::numeric_limits<float>::infinity();
-        if (layout_ == Layout::cube) {
-            const float within = place.v * 6 - static_cast<float>(place.part);
-            return std::min(within, 1 - within) * static_cast<float>(height_) / 6;
-        }
-        return (1 - std::hypot(2 * place.u - 1, 2 * place.v - 1)) *
-               static_cast<float>(std::min(width_, height_)) / 2;
-    }
-
-    /// The place, or the nearest one that is so many texels away from that end.
-    Place inset(Place place, float distance) const
-    {
-        if (layout_ == Layout::latlong || texelsToEnd(place) >= distance)
-            return place;
-        if (layout_ == Layout::cube) {
-            const auto face = static_cast<float>(place.part);
-            const float margin = std::min(distance * 6 / static_cast<float>(height_), 0.5f);
-            place.v = (face + std::clamp(place.v * 6 - face, margin, 1 - margin)) / 6;
-            return place;
-        }
-        const float x = 2 * place.u - 1, y = 2 * place.v - 1;
-        const float margin = std::min(2 * distance / static_cast<float>(std::min(width_, height_)), 1.0f);
-        const float radius = std::hypot(x, y);
-        if (radius <= 1 - margin || radius == 0)
-            return place; // in an image of a few texels the middle is as far away as can be
-        const float scale = (1 - margin) / radius;
-        place.u = (x * scale + 1) / 2;
-        place.v = (y * scale + 1) / 2;
-        return place;
-    }
-
-    Layout layout_;
-    int channels_;
-    int width_;
-    int height_;
-    OIIO::TextureSystem* system_;
-    OIIO::TextureSystem::TextureHandle* handle_ = nullptr;
-    OIIO::TextureOpt options_;
-};
 
 /// Output pixels, a chunk of rows at a time.
 class Converter {
 public:
-    Converter(const Conversion& conversion, const Source& source, Size size)
-        : conversion_(conversion), source_(source), size_(size), turn_(conversion.rotation)
+    Converter(const Conversion& conversion, const Sampler& sampler, int channels, Size size)
+        : conversion_(conversion), sampler_(sampler), channels_(static_cast<std::size_t>(channels)),
+          size_(size), turn_(conversion.rotation)
     {
     }
 
@@ -220,29 +90,18 @@ public:
     {
         const int first = chunk * chunkRows;
         const int rows = rowsOf(chunk);
-        const auto channels = static_cast<std::size_t>(source_.channels());
-        std::vector<float> pixels(std::size_t(rows) * size_.width * channels);
-        const bool steps = conversion_.filter == Filter::footprint;
-        // With a row above and one below, for the steps.
-        std::vector<Place> above, here = places(first), below;
-        if (steps)
+        std::vector<float> pixels(std::size_t(rows) * size_.width * channels_);
+        const std::unique_ptr<Lookup> lookup = sampler_.begin();
+        const bool neighbours = sampler_.needsNeighbours();
+        Lookup::Places above, here = places(first), below;
+        if (neighbours)
             above = places(first - 1);
         float* pixel = pixels.data();
         for (int row = first; row < first + rows; ++row) {
-            if (steps || row + 1 < first + rows)
+            if (neighbours || row + 1 < first + rows)
                 below = places(row + 1);
-            for (int x = 0; x < size_.width; ++x, pixel += channels) {
-                const auto i = static_cast<std::size_t>(x);
-                if (!here[i].exists)
-                    continue;
-                Step right, up;
-                if (steps) {
-                    right = shorterStep(x > 0 ? here[i - 1] : Place(), here[i],
-                                        x + 1 < size_.width ? here[i + 1] : Place());
-                    up = shorterStep(below[i], here[i], above[i]);
-                }
-                source_.look(here[i], right, up, pixel);
-            }
+            lookup->row(above, here, below, pixel);
+            pixel += here.size() * channels_;
             above = std::exchange(here, std::exchange(below, {}));
         }
         return pixels;
@@ -250,9 +109,9 @@ public:
 
 private:
     /// Where the pixels of a row, counted from the top, lie in the input. Nowhere for rows outside the image.
-    std::vector<Place> places(int row) const
+    Lookup::Places places(int row) const
     {
-        std::vector<Place> places(static_cast<std::size_t>(size_.width));
+        Lookup::Places places(static_cast<std::size_t>(size_.width));
         if (row < 0 || row >= size_.height)
             return places;
         const auto v = static_cast<float>((size_.height - row - 0.5) / size_.height);
@@ -281,7 +140,8 @@ private:
     }
 
     const Conversion& conversion_;
-    const Source& source_;
+    const Sampler& sampler_;
+    std::size_t channels_;
     Size size_;
     Turn turn_;
 };
@@ -348,10 +208,10 @@ void convert(const Conversion& conversion, const std::function<void(double)>& pr
 {
     const OIIO::ImageSpec spec = host::checkImageFile(conversion.input);
     const Size size =
-        conversion.size.value_or(sizeFor(conversion.to, pixelsPerTurn(conversion.from, spec.width)));
+        conversion.size.value_or(sizeFor(conversion.to, pixelsPerTurn(conversion.from, spec.full_width)));
     Target target(conversion, spec, size);
-    const Source source(conversion, spec);
-    const Converter converter(conversion, source, size);
+    const std::unique_ptr<Sampler> sampler = makeSampler(conversion, spec);
+    const Converter converter(conversion, *sampler, spec.nchannels, size);
 
     // While some chunks are written the next ones are converted.
     const int threads = host::threadCount(conversion.threads);
@@ -365,13 +225,13 @@ void convert(const Conversion& conversion, const std::function<void(double)>& pr
         });
         if (writing.valid())
             writing.get();
-        writing = std::async(std::launch::async, [&target, &converter, &source, first,
-                                                  done = std::move(chunks)] {
-            for (std::size_t i = 0; i < done.size(); ++i) {
-                const int chunk = first + static_cast<int>(i);
-                target.write(chunk * chunkRows, converter.rowsOf(chunk), source.channels(), done[i].data());
-            }
-        });
+        writing =
+            std::async(std::launch::async, [&target, &converter, &spec, first, done = std::move(chunks)] {
+                for (std::size_t i = 0; i < done.size(); ++i) {
+                    const int chunk = first + static_cast<int>(i);
+                    target.write(chunk * chunkRows, converter.rowsOf(chunk), spec.nchannels, done[i].data());
+                }
+            });
         progress(double(first + count) / converter.chunks());
     }
     writing.get();

@@ -15,7 +15,7 @@ enum class Filter {
                ///< pixel
     nearest,
     bilinear,
-    bicubic
+    bicubic ///< Catmull and Rom's
 };
 
 /// Degrees by which the view turns to the right, then up, then tilts clockwise.

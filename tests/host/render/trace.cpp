@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Rays that shaders cast: levels, environments, lenses, what is copied back.
+#include "host/api/further.h"
 #include "tests/host/render/scene.h"
 
 #include <gtest/gtest.h>
@@ -474,6 +475,91 @@ TEST(Trace, OpacityBelowOneLetsEyeRaysGoOn)
     EXPECT_FLOAT_EQ(c.a, 0.5f + 0.5f * (0.5f + 0.5f * 1.0f));
     scene.options.strings["composite opacity"] = false;
     EXPECT_EQ(scene.look().r, 1.0f);
+}
+
+TEST(Trace, TheOpacityThatWasSetLastCanBeRead)
+{
+    Scene scene;
+    scene.options.strings["composite opacity"] = false;
+    int calls = 0;
+    auto& glass = scene.material([&](miColor& result, miState& state) {
+        ++calls;
+        miColor opacity = {9, 9, 9, 9};
+        EXPECT_FALSE(mi_opacity_get(&state, &opacity));
+        EXPECT_EQ(opacity.r, 9.0f); // left alone
+        const miColor first = {0.1f, 0.2f, 0.3f, 0.4f}, last = {0.5f, 0.6f, 0.7f, 0.8f};
+        mi_opacity_set(&state, &first);
+        mi_opacity_set(&state, &last);
+        EXPECT_TRUE(mi_opacity_get(&state, &opacity));
+        EXPECT_EQ(std::memcmp(&opacity, &last, sizeof last), 0);
+        // A ray of its own has one of its own.
+        if (calls == 1)
+            mi_trace_transparent(&result, &state);
+        EXPECT_TRUE(mi_opacity_get(&state, &opacity));
+        EXPECT_EQ(opacity.r, 0.5f);
+        return miTRUE;
+    });
+    scene.options.record.refraction_depth = scene.options.record.trace_depth = 2;
+    scene.place(scene.square(1), {0, 0, -1}).materials = {glass.tag};
+    scene.place(scene.square(1), {0, 0, -2}).materials = {glass.tag};
+    scene.look();
+    EXPECT_EQ(calls, 2);
+    miState none{};
+    miColor opacity{};
+    EXPECT_FALSE(mi_opacity_get(&none, &opacity));
+}
+
+TEST(Trace, ProbesFindHitsAndCallNoShader)
+{
+    Scene scene;
+    int environments = 0;
+    scene.camera.environment = {scene
+                                    .shader([&](miColor&, miState&) {
+                                        ++environments;
+                                        return miTRUE;
+                                    })
+                                    .tag};
+    scene.options.record.trace_depth = 0; // which does not limit probes
+    int shaded = 0;
+    auto& wall = scene.material([&](miColor&, miState&) {
+        ADD_FAILURE() << "a probe has called it";
+        return miTRUE;
+    });
+    scene.place(scene.square(1), {0, 0, -5}).materials = {wall.tag};
+    auto& front = scene.material([&](miColor&, miState& state) {
+        ++shaded;
+        const miVector point = state.point;
+        miVector ahead = {0, 0, -2}; // of any length
+        EXPECT_TRUE(mi_trace_probe(&state, &ahead, &state.point));
+        EXPECT_EQ(state.child->type, miRAY_PROBE);
+        EXPECT_NE(state.child->instance, miNULLTAG);
+        EXPECT_NE(state.child->instance, state.instance);
+        EXPECT_EQ(state.child->material, wall.tag);
+        EXPECT_FLOAT_EQ(state.child->point.z, -5.0f);
+        EXPECT_NEAR(state.child->dist, 3.0, 1e-5);
+        EXPECT_FLOAT_EQ(state.child->normal.z, 1.0f);
+        EXPECT_FLOAT_EQ(state.child->dir.z, -1.0f);
+        // The state itself stays.
+        EXPECT_EQ(std::memcmp(&state.point, &point, sizeof point), 0);
+        EXPECT_NEAR(state.dist, 2.0, 1e-5);
+        // From elsewhere, and from behind.
+        miVector origin = {0.5f, 0.5f, -9}, back = {0, 0, 1};
+        EXPECT_TRUE(mi_trace_probe(&state, &back, &origin));
+        EXPECT_NEAR(state.child->dist, 4.0, 1e-5);
+        EXPECT_FLOAT_EQ(state.child->normal.z, -1.0f);
+        EXPECT_TRUE(state.child->inv_normal);
+        // Nothing there, or no direction.
+        miVector up = {0, 1, 0}, none = {0, 0, 0}, endless = {NAN, 0, 0};
+        EXPECT_FALSE(mi_trace_probe(&state, &up, &state.point));
+        EXPECT_EQ(state.child->instance, miNULLTAG);
+        EXPECT_FALSE(mi_trace_probe(&state, &none, &state.point));
+        EXPECT_FALSE(mi_trace_probe(&state, &endless, &state.point));
+        return miTRUE;
+    });
+    scene.place(scene.square(1), {0, 0, -2}).materials = {front.tag};
+    scene.look();
+    EXPECT_EQ(shaded, 1);
+    EXPECT_EQ(environments, 0);
 }
 
 TEST(Trace, MirrorsFacingEachOtherMayGoDeep)
