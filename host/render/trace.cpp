@@ -378,9 +378,9 @@ miBoolean traceSecondary(miColor& result, miState& state, const miVector& direct
 miBoolean traceProbe(miState& state, const miVector& direction, const miVector& origin)
 {
     RenderThread& thread = RenderThread::of(state);
-    const FunctionList* const environment = thread.top().environment;
+    const Frame& outer = thread.top();
     const FrameScope frame(thread);
-    beginChild(*frame, state, environment, miRAY_PROBE);
+    beginChild(*frame, state, outer, miRAY_PROBE);
     miState& child = frame->state;
     clearHit(child);
     child.org = origin;
@@ -393,6 +393,7 @@ miBoolean traceProbe(miState& state, const miVector& direction, const miVector& 
     ray.near = startDistance(child.org);
     ray.far = infinity;
     ray.seenBy = seenByReflection | seenByRefraction | seenByTransparency;
+    ray.time = shutterFraction(state);
     if (isSame(origin, state.point)) {
         ray.startInstance = state.instance;
         ray.startPolygon = state.pri;
