@@ -29,8 +29,10 @@ struct Body {
     const Model* model = nullptr;
     unsigned rays = 0; ///< RayBit
     bool overrides = false;
+    bool limitsLights = false;             ///< has a light list: `lights`
     bool limitsShadows = false;            ///< casts shadows only in `shadowLights`
     std::vector<const Surface*> materials; ///< inherited
+    std::vector<miTag> lights;             ///< leaf lights, in the order of the scene
     std::vector<miTag> shadowLights;       ///< leaf lights, sorted
     char face = 'a';                       ///< 'f', 'b' or 'a'
 
@@ -60,6 +62,9 @@ struct Ray {
     const void* startPolygon = nullptr;
     miTag light = 0; ///< for shadow rays: the leaf light
 };
+
+/// The ray for the index.
+RTCRay toEmbree(const Ray& ray);
 
 /// The bodies of one rendering, behind an index for intersection. Safe from any thread once it is built.
 class World {
