@@ -26,15 +26,17 @@ void Edits::close(Database& database)
         const auto others = std::stable_partition(
             edit, left.end(), [editor](const Edit& other) { return other.editor == editor; });
         std::string elements;
+        const auto count = others - edit;
         for (; edit != others; ++edit) {
             database.unpin(edit->tag);
             if (const Element* const element = database.find(edit->tag))
-                elements += (elements.empty() ? "" : " and ") + std::string(kindName(element->kind)) + ' ' +
-                            inQuotes(element->name);
+                elements += (elements.empty() ? ", of " : " and ") + std::string(kindName(element->kind)) +
+                            ' ' + inQuotes(element->name);
         }
         message(Level::error, "RC",
-                (editor ? editor->title() : std::string("a shader")) + ": left the edit of " + elements +
-                    " open; it is closed");
+                (editor ? editor->title() : std::string("a shader")) + ": left " +
+                    (count == 1 ? "an edit" : std::to_string(count) + " edits") + " open" + elements + "; " +
+                    (count == 1 ? "it is" : "they are") + " closed");
     }
 }
 

@@ -3,6 +3,7 @@
 #include "tests/host/render/lit.h"
 
 #include "host/report/message.h"
+#include "tests/harness/messages.h"
 
 #include <gtest/gtest.h>
 
@@ -173,6 +174,32 @@ TEST(Light, NamedByItselfItGivesNothingAndOneWarning)
     scene.lightInstance = 0;
     scene.run();
     EXPECT_EQ(scene.samples, 0);
+}
+
+TEST(Light, WhatIsNoLightGivesNothingAndOneWarning)
+{
+    Lit scene;
+    scene.add({0, 3, 0});
+    const miTag lamp = scene.lightInstance;
+    scene.cameraInstance.name = "cam-i";
+    scene.rounds = 2;
+    const Messages messages;
+    for (const miTag tag : {scene.cameraInstance.tag, scene.camera.tag, miTag(4711), miNULLTAG}) {
+        scene.lightInstance = tag;
+        scene.run();
+        EXPECT_TRUE(scene.delivered.empty());
+        EXPECT_EQ(scene.samples, 0);
+    }
+    EXPECT_EQ(
+        messages.lines(),
+        (std::vector<std::string>{"RC   0.1  warn : instance \"cam-i\" is sampled as a light and gives none",
+                                  "RC   0.1  warn : camera \"cam\" is sampled as a light and gives none"}));
+    // A hidden light is silent.
+    scene.session.database.findAs<host::Instance>(lamp)->record.off = miTRUE;
+    scene.lightInstance = lamp;
+    scene.run();
+    EXPECT_EQ(scene.samples, 0);
+    EXPECT_EQ(messages.lines().size(), 2u);
 }
 
 } // namespace

@@ -82,6 +82,7 @@ TEST(VisibleLight, EachShapeIsSeenAsItIs)
 
     auto& source =
         scene.place(scene.object({{-1.02f, -1.03f, 0}, {1.01f, -1.03f, 0}, {-1.02f, 1, 0}}, {{0, 1, 2}}));
+    source.materials = {scene.plain({9, 9, 9, 1}).tag};
     source.record.visible = 1; // itself it is not seen
     light.area = miLIGHT_OBJECT;
     light.primitive = {};
