@@ -179,9 +179,9 @@ private:
 };
 
 /// The surface of an object.
-class Surfaced final : public LightShape {
+class ObjectSurface final : public LightShape {
 public:
-    ~Surfaced() override
+    ~ObjectSurface() override
     {
         if (scene_)
             rtcReleaseScene(scene_);
@@ -334,7 +334,7 @@ std::unique_ptr<LightShape> surfaceOf(const Light& light, const Instance& leaf, 
     if (!object)
         refuse(light, "its shape must be an object or an instance of one, and " +
                           std::string(kindName(source->kind)) + ' ' + inQuotes(source->name) + " is neither");
-    auto shape = std::make_unique<Surfaced>();
+    auto shape = std::make_unique<ObjectSurface>();
     const miMatrix& toWorld = leaf.record.tf.local_to_global;
     bool inScene = false;
     for (const Instance* const placed : leaves.objects())

@@ -1,7 +1,8 @@
 /* SPDX-License-Identifier: BSD-3-Clause
  *
- * A user area light in plain C, a row of lamps, that keeps a table for each of its instances, and a material
- * that it lights. */
+ * A user area light in plain C, a row of lamps, that keeps a table for each of its instances; a material that
+ * it lights; and a geometry shader that turns a light into a user area light. */
+#include <geoshader.h>
 #include <shader.h>
 
 struct row_light {
@@ -130,5 +131,41 @@ DLLEXPORT miBoolean row_lit(miColor *result, miState *state, struct row_lit *par
         sum.b /= (float)samples;
     }
     *result = sum;
+    return miTRUE;
+}
+
+struct row_maker {
+    miTag light;        /* an instance */
+    miBoolean careless; /* leaves its edits open */
+};
+
+DLLEXPORT int row_maker_version(void) { return 1; }
+
+DLLEXPORT miBoolean row_maker_init(miState *state, struct row_maker *paras, miBoolean *inst_init_req)
+{
+    miTag tag;
+    miInstance *instance;
+    miLight *light;
+
+    if (!paras) {
+        *inst_init_req = miTRUE;
+        return miTRUE;
+    }
+    tag = *(miTag *)mi_eval(state, &paras->light);
+    instance = mi_scene_edit(tag);
+    light = mi_scene_edit(instance->item);
+    light->area = miLIGHT_USER;
+    if (*(miBoolean *)mi_eval(state, &paras->careless))
+        return miTRUE;
+    mi_scene_edit_end(instance->item);
+    mi_scene_edit_end(tag);
+    return miTRUE;
+}
+
+DLLEXPORT miBoolean row_maker(miTag *result, miState *state, struct row_maker *paras)
+{
+    (void)result; /* it creates nothing */
+    (void)state;
+    (void)paras;
     return miTRUE;
 }

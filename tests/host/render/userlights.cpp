@@ -342,6 +342,9 @@ struct InC : Scene {
                         1));
         session.declarations.add(
             declaration("row_lit", field(host::Type::color, ""), {field(host::Type::light, "light")}, 1));
+        session.declarations.add(
+            declaration("row_maker", field(host::Type::geometry, ""),
+                        {field(host::Type::light, "light"), field(host::Type::boolean, "careless")}, 1));
     }
     host::Function& make(const std::string& type, const std::vector<host::Argument>& arguments)
     {
@@ -401,6 +404,24 @@ TEST(ShadersInC, AUserPointerLivesFromInitToExit)
     scene.render(2);
     EXPECT_EQ(alive(), 0);
     EXPECT_TRUE(messages.lines().empty());
+}
+
+TEST(ShadersInC, AnInitOfAGeometryShaderMakesTheLightAUsers)
+{
+    for (const bool careless : {false, true}) {
+        InC scene;
+        host::Light& light = scene.light(5, false);
+        light.record.area = miLIGHT_NONE;
+        auto& maker = scene.session.database.make<host::Instance>("maker-i");
+        maker.geometry = {
+            scene.make("row_maker", {argument("light", "row-i"), argument("careless", careless)}).tag};
+        scene.root.members.push_back(maker.tag);
+        const Messages messages;
+        EXPECT_NEAR(scene.look().g, 2 * expectedFrom(5, false), 1e-5);
+        EXPECT_EQ(messages.lines().size(), careless ? 1u : 0u);
+        EXPECT_EQ(messages.count("left 2 edits open, of instance \"row-i\" and light \"row\""), careless);
+        EXPECT_EQ(scene.session.database.pins(light.tag), 0);
+    }
 }
 
 TEST(ShadersInC, ThePictureDoesNotDependOnThreads)
