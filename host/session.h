@@ -5,6 +5,7 @@
 #include "host/scene/database.h"
 #include "host/scene/search.h"
 #include "host/shading/declaration.h"
+#include "host/shading/edits.h"
 #include "host/shading/library.h"
 
 #include <functional>
@@ -32,6 +33,7 @@ struct Session {
     Libraries libraries;
     Declarations declarations;
     Database database;
+    Edits edits;
     SearchPaths paths;
     std::map<std::string, std::string> variables; ///< of `set`, for $ifdef
     bool keepVerbosity = false;                   ///< the command line set it: `verbose` in scenes is ignored

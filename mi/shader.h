@@ -695,6 +695,7 @@ miBoolean mi_sample_light(miColor* const result, miVector* const dir, float* con
                           const miTag light, int* const samples);
 miBoolean mi_inclusive_lightlist(int* n, miTag** lights, miState* state);
 miBoolean mi_exclusive_lightlist(int* n, miTag** lights, miState* state);
+miBoolean mi_instance_lightlist(int* n, miTag** lights, miState* state);
 
 miBoolean mi_lookup_color_texture(miColor* const result, miState* const state, const miTag texture,
                                   miVector* const coord);

@@ -31,12 +31,9 @@ void complain(Fault fault, const std::string& text)
         host::message(host::Level::error, "RC", culprit->title() + ": " + text);
 }
 
-} // namespace
-
-void* mi_db_access(miTag tag)
+// The element's record, pinned; or null, after a message.
+void* pinned(miTag tag)
 {
-    if (tag != miNULLTAG) // nothing is behind it to be pinned; some shaders give it back, others do not
-        ++host::running().pins;
     host::Database* const all = database();
     if (all && all->find(tag)) {
         if (void* const data = all->pin(tag))
@@ -48,7 +45,17 @@ void* mi_db_access(miTag tag)
                                        ? std::string("accessed the null tag")
                                        : "accessed tag " + std::to_string(tag) + ", which is unknown");
     }
-    return nothing;
+    return nullptr;
+}
+
+} // namespace
+
+void* mi_db_access(miTag tag)
+{
+    if (tag != miNULLTAG) // nothing is behind it to be pinned; some shaders give it back, others do not
+        ++host::running().pins;
+    void* const data = pinned(tag);
+    return data ? data : nothing;
 }
 
 void mi_db_unpin(miTag tag)
@@ -75,6 +82,26 @@ const char* mi_api_tag_lookup(miTag tag)
 }
 
 // Nothing is cached that a change would have to be told to: preparing a rendering reads the elements anew.
-void* mi_scene_edit(const miTag tag) { return mi_db_access(tag); }
+void* mi_scene_edit(const miTag tag)
+{
+    host::Function* const editor = host::runningFunction();
+    if (const miTs* const thread = host::runningThread(); thread && thread->render) // others read it just now
+        throw host::Error(editor->where, editor->title() + ": edits the scene while it is rendered; only "
+                                                           "geometry shaders can");
+    void* const data = pinned(tag);
+    if (!data)
+        return nothing;
+    host::Session::current()->edits.begin(tag, editor);
+    return data;
+}
 
-void mi_scene_edit_end(const miTag tag) { mi_db_unpin(tag); }
+void mi_scene_edit_end(const miTag tag)
+{
+    host::Database* const all = database();
+    if (!all || !all->find(tag))
+        return; // it has been told when the edit began
+    if (host::Session::current()->edits.end(tag))
+        all->unpin(tag);
+    else
+        complain(Fault::badUnpin, "ended an edit of tag " + std::to_string(tag) + ", which is not open");
+}

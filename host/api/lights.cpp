@@ -30,3 +30,11 @@ miBoolean mi_exclusive_lightlist(int* n, miTag** lights, miState* state)
 {
     return replaceList(n, lights, state, true);
 }
+
+miBoolean mi_instance_lightlist(int* n, miTag** lights, miState* state)
+{
+    const std::vector<miTag>& list = host::instanceLights(*state);
+    *n = static_cast<int>(list.size());
+    *lights = const_cast<miTag*>(list.data());
+    return miTRUE;
+}

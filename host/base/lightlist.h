@@ -7,7 +7,7 @@
 namespace host::base {
 
 /// Values of the parameter `mode`.
-enum class LightMode { given = 0, inclusive = 1, exclusive = 2, all = 4 };
+enum class LightMode { given = 0, inclusive = 1, exclusive = 2, instance = 4 };
 
 struct LightChoice {
     miInteger mode;
@@ -27,10 +27,10 @@ void forEachLight(miState* state, LightChoice& choice, Visit visit)
             visit(read(state, lights[i]));
         return;
     }
-    if (mode == LightMode::all)
-        count = 0;
     if (mode == LightMode::inclusive)
         mi_inclusive_lightlist(&count, &lights, state);
+    else if (mode == LightMode::instance)
+        mi_instance_lightlist(&count, &lights, state);
     else
         mi_exclusive_lightlist(&count, &lights, state);
     for (int i = 0; i < count; ++i)

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Light shaders. Asked by any ray but a light ray, when a visible area light is looked at, they give their
-// plain colour.
+// plain colour, opaque.
 
 #include "host/base/falloff.h"
 #include "host/base/shader.h"
@@ -27,6 +27,15 @@ struct Spot {
     Point light;
     miScalar cone;
 };
+
+/// What is seen of a light whose shape is looked at; false on light rays.
+bool lookedAt(miColor& color, const miState* state)
+{
+    if (state->type == miRAY_LIGHT)
+        return false;
+    color.a = 1.0f;
+    return true;
+}
 
 /// Multiplies `color` by what arrives through the occluders; false when nothing does.
 bool castShadow(miColor& color, miState* state, Infinite& p)
@@ -89,7 +98,7 @@ BASE_VERSION(mib_light_infinite, 1)
 BASE_ENTRY miBoolean mib_light_infinite(miColor* result, miState* state, Infinite* p)
 {
     *result = read(state, p->color);
-    if (state->type != miRAY_LIGHT)
+    if (lookedAt(*result, state))
         return miTRUE;
     return castShadow(*result, state, *p);
 }
@@ -98,7 +107,7 @@ BASE_VERSION(mib_light_point, 1)
 BASE_ENTRY miBoolean mib_light_point(miColor* result, miState* state, Point* p)
 {
     *result = read(state, p->light.color);
-    if (state->type != miRAY_LIGHT)
+    if (lookedAt(*result, state))
         return miTRUE;
     return attenuate(*result, state, *p) && castShadow(*result, state, p->light);
 }
@@ -107,7 +116,7 @@ BASE_VERSION(mib_light_spot, 1)
 BASE_ENTRY miBoolean mib_light_spot(miColor* result, miState* state, Spot* p)
 {
     *result = read(state, p->light.light.color);
-    if (state->type != miRAY_LIGHT)
+    if (lookedAt(*result, state))
         return miTRUE;
     const float cone = read(state, p->cone);
     const auto [cosine, spread] = aim(state);

@@ -21,7 +21,7 @@ bool chosen(miState* state, LightChoice& choice)
 {
     const auto mode = static_cast<LightMode>(read(state, choice.mode));
     int count = read(state, choice.lights.count);
-    if (mode == LightMode::all || count == 0)
+    if (mode == LightMode::instance || count == 0)
         return true;
     miTag* lights = elements(state, choice.lights);
     mi_inclusive_lightlist(&count, &lights, state);

@@ -152,6 +152,20 @@ void InstanceBuilder::materials(const std::vector<Name>& names)
     record().mtl_array_size = static_cast<int>(names.size());
 }
 
+/// Names that a list of lights may hold, but that stand for none.
+void InstanceBuilder::warnUnlessLights(const Name& name, const Element& element) const
+{
+    if (element.kind == miSCENE_LIGHT) {
+        Context::warn(name.where, "light " + inQuotes(name.text) +
+                                      " is listed by itself, which stands for nothing; name its instance");
+        return;
+    }
+    const Element* const item =
+        context_.session.database.find(static_cast<const Instance&>(element).record.item);
+    if (item && item->kind != miSCENE_LIGHT && item->kind != miSCENE_GROUP)
+        Context::warn(name.where, "instance " + inQuotes(name.text) + " is listed as a light and is none");
+}
+
 std::vector<miTag> InstanceBuilder::lightTags(const std::vector<Name>& names) const
 {
     std::vector<miTag> tags;
@@ -159,6 +173,7 @@ std::vector<miTag> InstanceBuilder::lightTags(const std::vector<Name>& names) co
         const Element& element = context_.find(name, "light instance");
         if (element.kind != miSCENE_INSTANCE && element.kind != miSCENE_LIGHT)
             Context::refuseKind(name, element, "light instance");
+        warnUnlessLights(name, element);
         tags.push_back(element.tag);
     }
     return tags;

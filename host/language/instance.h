@@ -42,6 +42,7 @@ public:
     void shadowLights(const std::vector<Name>& names, bool exclusive);
 
 private:
+    void warnUnlessLights(const Name& name, const Element& element) const;
     std::vector<miTag> lightTags(const std::vector<Name>& names) const;
 
     Context& context_;

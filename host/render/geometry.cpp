@@ -38,7 +38,8 @@ std::vector<Instance*> geometryInstances(const Database& database, miTag root)
 
 GeometryRun::GeometryRun(Session& session, const RenderCommand& command, const Camera& camera,
                          const Options& options)
-    : database_(session.database), lastBefore_(database_.last()), lastCreated_(lastBefore_)
+    : database_(session.database), edits_(session.edits), lastBefore_(database_.last()),
+      lastCreated_(lastBefore_)
 {
     if (options.record.no_geometry)
         return;
@@ -47,15 +48,21 @@ GeometryRun::GeometryRun(Session& session, const RenderCommand& command, const C
         return;
     try {
         run(session, instances, camera, options);
+        edits_.close(database_);
         lastCreated_ = database_.last();
     } catch (...) {
+        edits_.close(database_);
         lastCreated_ = database_.last();
         undo();
         throw;
     }
 }
 
-GeometryRun::~GeometryRun() { undo(); }
+GeometryRun::~GeometryRun()
+{
+    edits_.close(database_); // exits that edit come to nothing, but their pins are not to stay
+    undo();
+}
 
 void GeometryRun::undo()
 {

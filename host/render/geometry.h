@@ -13,7 +13,7 @@ namespace host {
 class GeometryRun {
 public:
     /// Calls the shaders of each instance once, one instance after another, in this thread; their exits
-    /// follow when all are done. Throws Error like rendering.
+    /// follow when all are done, and edits that they have left open are closed. Throws Error like rendering.
     GeometryRun(Session& session, const RenderCommand& command, const Camera& camera, const Options& options);
     ~GeometryRun();
     GeometryRun(const GeometryRun&) = delete;
@@ -26,6 +26,7 @@ private:
     void undo();
 
     Database& database_;
+    Edits& edits_;
     miTag lastBefore_;
     miTag lastCreated_;
     std::vector<miTag> instances_;

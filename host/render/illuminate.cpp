@@ -15,30 +15,39 @@ namespace {
 /// What a light shader's return value of 2 means: no colour, and no further sample of this light.
 constexpr miBoolean noMore = 2;
 
-/// The loop that this state has begun, or a new one.
-LightLoop& loopOf(Frame& frame, const miState& state, miTag light, bool begins)
+/// The place of the loop that this state has begun, or of a new one. It is among the last: loops end in the
+/// order in which they nest.
+std::size_t loopOf(Frame& frame, const Lights& lights, const miState& state, miTag light, bool begins)
 {
-    const auto mine = [&](const LightLoop& loop) { return loop.state == &state && loop.light == light; };
-    const auto found = std::find_if(frame.loops.begin(), frame.loops.end(), mine);
-    LightLoop& loop = found != frame.loops.end() ? *found : frame.loops.emplace_back();
-    if (begins || found == frame.loops.end())
-        loop = {&state, light, 0, 0};
-    return loop;
+    std::vector<LightLoop>& loops = frame.loops;
+    std::size_t place = loops.size();
+    while (place > 0 && !(loops[place - 1].state == &state && loops[place - 1].light == light))
+        --place;
+    if (place > 0 && !begins)
+        return place - 1;
+    if (place == 0) {
+        loops.emplace_back();
+        place = loops.size();
+    }
+    loops[place - 1] = {&state, light, &lights.behind(light), 0, 0, 0};
+    return place - 1;
 }
 
 /// A copy of the surface's state as the light's shader gets it, for one sample of the light.
-void setLight(miState& child, miState& state, const LeafLight& light, int sample)
+void setLight(miState& child, miState& state, const LeafLight& light, int sample, int level)
 {
-    const int level = state.reflection_level + state.refraction_level;
-    const std::uint32_t seed = mixed(std::bit_cast<std::uint32_t>(state.raster_x),
-                                     std::bit_cast<std::uint32_t>(state.raster_y), std::uint32_t(level), 0);
     child = state;
     child.parent = &state;
     child.child = nullptr;
     child.type = miRAY_LIGHT;
     child.light_instance = light.leaf->tag;
     child.count = miUshort(sample);
-    child.org = light.point(sample, level, seed);
+    child.org = light.origin;
+    if (light.shape) {
+        const auto bits = [](float number) { return std::bit_cast<std::uint32_t>(number); };
+        const std::uint32_t seed = mixed(bits(state.raster_x), bits(state.raster_y), std::uint32_t(level), 0);
+        child.org = light.point(sample, level, seed);
+    }
     if (light.directional()) {
         child.dir = light.direction;
         child.dist = 0.0;
@@ -84,43 +93,47 @@ miBoolean sampleLight(miColor& result, miVector* direction, float* cosine, miSta
 {
     RenderThread& thread = RenderThread::of(state);
     const Lights& lights = thread.stage.lights;
-    const std::vector<std::uint32_t>& leaves = lights.behind(tag);
     Frame& frame = thread.top();
-    const std::size_t place = std::size_t(&loopOf(frame, state, tag, samples == 0) - frame.loops.data());
+    const int level = state.reflection_level + state.refraction_level;
+    const std::size_t place = loopOf(frame, lights, state, tag, samples == 0);
     result = {0.0f, 0.0f, 0.0f, 0.0f};
     // The shader that is called may begin loops of its own, and the list of loops move.
-    while (frame.loops[place].leaf < leaves.size()) {
+    while (frame.loops[place].leaf < frame.loops[place].leaves->size()) {
         LightLoop& loop = frame.loops[place];
-        const LeafLight& light = lights.all()[leaves[loop.leaf]];
-        if (loop.sample >= light.samples(state.reflection_level + state.refraction_level)) {
-            ++loop.leaf;
-            loop.sample = 0;
+        const LeafLight& light = lights.all()[(*loop.leaves)[loop.leaf]];
+        if (loop.sample >= light.samples(level)) {
+            if (light.user())
+                lights.warnEndless(light);
+            loop.endLeaf(loop.sample);
             continue;
         }
+        const int number = loop.sample++;
+        samples = loop.before + loop.sample;
         miState child;
-        setLight(child, state, light, loop.sample++);
-        miBoolean lit = miFALSE;
-        if (!facesAway(child)) {
-            const StateScope scope(child);
-            miColor color = {0.0f, 0.0f, 0.0f, 0.0f};
-            lit = callAll(light.shader, &color, child);
-            if (lit == noMore) {
-                ++frame.loops[place].leaf;
-                frame.loops[place].sample = 0;
-                continue;
-            }
-            if (lit)
-                result = color;
-        }
-        ++samples;
-        if (!lit)
+        setLight(child, state, light, number, level);
+        // Where a user light is, its shader alone knows.
+        if (!light.user() && facesAway(child))
             continue;
+        const StateScope scope(child);
+        miColor color = {0.0f, 0.0f, 0.0f, 0.0f};
+        const miBoolean answer = callAll(light.shader, &color, child);
+        if (answer == noMore) {
+            // What a user light leaves in the counter is what its samples are divided by.
+            frame.loops[place].endLeaf(light.user() ? child.count : number);
+            samples = frame.loops[place].before;
+            continue;
+        }
+        if (!answer)
+            continue;
+        result = color;
         if (direction)
             *direction = -child.dir;
         if (cosine)
             *cosine = std::max(child.dot_nd, 0.0f);
         return miTRUE;
     }
+    if (place + 1 == frame.loops.size())
+        frame.loops.pop_back();
     return miFALSE;
 }
 
@@ -174,6 +187,13 @@ const std::vector<miTag>& lightList(miState& state, const miTag* tags, int count
         if (listed[i] != exclusive)
             list.push_back(lights.all()[i].leaf->tag);
     return list;
+}
+
+const std::vector<miTag>& instanceLights(const miState& state)
+{
+    const Stage& stage = RenderThread::of(state).stage;
+    const Body* const body = stage.world.body(state.instance);
+    return body && body->limitsLights ? body->lights : stage.lights.tags();
 }
 
 } // namespace host

@@ -6,14 +6,10 @@
 #include "host/report/message.h"
 
 #include <algorithm>
-#include <numbers>
 
 namespace host {
 
 namespace {
-
-/// What the counter that shaders see can hold.
-constexpr int mostLightSamples = 65535;
 
 struct Strata {
     int u, v;
@@ -27,71 +23,51 @@ Strata strata(const miLight& light, int level)
             std::max(1, int(low ? light.low_samples_v : light.samples_v))};
 }
 
-/// Two unit vectors that are perpendicular to the given one and to each other.
-void basis(miVector axis, miVector& u, miVector& v)
-{
-    const miVector other = std::abs(axis.x) > 0.5f ? miVector{0, 1, 0} : miVector{1, 0, 0};
-    u = crossDirection(axis, other);
-    v = crossDirection(axis, u);
-}
+std::string called(const Light& light) { return "light " + inQuotes(light.name); }
 
-/// Where on an area light's shape, relative to its origin; a and b run from 0 to 1 and cover it evenly.
-miVector onShape(const miLight& light, float a, float b)
+/// Numbers that the scene language does not let in, but edits do.
+void checkCounts(const Light& light)
 {
-    constexpr float turn = 2.0f * std::numbers::pi_v<float>;
-    switch (light.area) {
-    case miLIGHT_RECTANGLE: {
-        const auto& [u, v] = light.primitive.rectangle;
-        return u * (2.0f * a - 1.0f) + v * (2.0f * b - 1.0f);
-    }
-    case miLIGHT_DISC: {
-        miVector u, v;
-        basis(normalised(light.primitive.disc.normal), u, v);
-        const float r = light.primitive.disc.radius * std::sqrt(a);
-        return u * (r * std::cos(turn * b)) + v * (r * std::sin(turn * b));
-    }
-    case miLIGHT_SPHERE: {
-        const float z = 2.0f * a - 1.0f;
-        const float ring = std::sqrt(std::max(0.0f, 1.0f - z * z));
-        return miVector{ring * std::cos(turn * b), ring * std::sin(turn * b), z} *
-               light.primitive.sphere.radius;
-    }
-    case miLIGHT_CYLINDER: {
-        const auto& [axis, radius] = light.primitive.cylinder;
-        miVector u, v;
-        basis(normalised(axis), u, v);
-        return axis * (2.0f * a - 1.0f) + u * (radius * std::cos(turn * b)) +
-               v * (radius * std::sin(turn * b));
-    }
-    default:
-        return {0.0f, 0.0f, 0.0f};
-    }
-}
-
-void check(const Light& light)
-{
-    const auto refuse = [&](const std::string& what) {
-        throw Error(light.where, "light \"" + light.name + "\": " + what);
+    const miLight& r = light.record;
+    const auto check = [&](int level, int u, int v) {
+        if (u < 1 || v < 1)
+            message(Level::warning, "RC",
+                    called(light) + " is to take " + std::to_string(u) + " by " + std::to_string(v) +
+                        " samples; less than 1 are taken as 1");
+        const Strata counts = strata(r, level);
+        if (std::int64_t(counts.u) * counts.v > mostLightSamples)
+            throw Error(light.where, called(light) + ": an area light takes at most " +
+                                         std::to_string(mostLightSamples) + " samples");
     };
-    if (light.record.type == miLIGHT_DIRECTION || light.record.area == miLIGHT_NONE)
-        return;
-    const auto tooMany = [](int u, int v) { return std::int64_t(u) * v > mostLightSamples; };
-    if (tooMany(light.record.samples_u, light.record.samples_v) ||
-        tooMany(light.record.low_samples_u, light.record.low_samples_v))
-        refuse("an area light takes at most " + std::to_string(mostLightSamples) + " samples");
-    if (light.record.area == miLIGHT_OBJECT)
-        refuse("area lights in the shape of an object are not supported");
-    if (light.record.area == miLIGHT_USER)
-        refuse("user area lights are not supported");
-    if (light.record.visible)
-        refuse("visible area lights are not supported");
+    check(0, r.samples_u, r.samples_v);
+    if (r.low_level > 0)
+        check(r.low_level, r.low_samples_u, r.low_samples_v);
+}
+
+/// By which rays a light's shape is seen: by all, but for those that the instances above it switch off.
+unsigned shownTo(const Light& light, const Instance& leaf)
+{
+    if (!light.record.visible)
+        return 0;
+    Object shown;
+    shown.visible = true;
+    shown.reflection = shown.refraction = shown.transparency = 3;
+    return rayBits(shown, leaf.record);
+}
+
+/// A random number from 0 to below 1.
+double fraction(std::uint32_t seed, std::uint32_t number, std::uint32_t dimension)
+{
+    return double(mixed(seed, number, dimension, 0)) * 0x1p-32;
 }
 
 } // namespace
 
 int LeafLight::samples(int level) const
 {
-    if (!area())
+    if (user())
+        return mostLightSamples;
+    if (!shape)
         return 1;
     const Strata counts = strata(light->record, level);
     return counts.u * counts.v;
@@ -99,22 +75,20 @@ int LeafLight::samples(int level) const
 
 miVector LeafLight::point(int index, int level, std::uint32_t seed) const
 {
-    if (!area())
+    if (!shape)
         return origin;
     const Strata counts = strata(light->record, level);
     const auto number = std::uint32_t(index);
-    const float a = (float(index % counts.u) + unit(seed, number, 0, 0)) / float(counts.u);
-    const float b = (float(index / counts.u) + unit(seed, number, 1, 0)) / float(counts.v);
-    return transformPoint(light->record.origin + onShape(light->record, a, b),
-                          leaf->record.tf.local_to_global);
+    return shape->at((index % counts.u + fraction(seed, number, 0)) / counts.u,
+                     (index / counts.u + fraction(seed, number, 1)) / counts.v);
 }
 
 Lights::Lights(const Database& database, const Leaves& leaves) : database_(database), leaves_(leaves)
 {
     for (const Instance* const leaf : leaves.lights()) {
         const auto& light = static_cast<const Light&>(*database.find(leaf->record.item));
-        check(light);
         LeafLight& added = lights_.emplace_back();
+        tags_.push_back(leaf->tag);
         added.leaf = leaf;
         added.light = &light;
         added.shader = functionsOf(database, light.shader, light);
@@ -123,6 +97,17 @@ Lights::Lights(const Database& database, const Leaves& leaves) : database_(datab
             added.origin = transformPoint(light.record.origin, toWorld);
         if (light.record.type != miLIGHT_ORIGIN)
             added.direction = normalised(transformVector(light.record.direction, toWorld));
+        if (!isFinite(added.origin) || !isFinite(added.direction))
+            throw Error(light.where, called(light) + ": its position or direction is not finite");
+        if (added.directional())
+            continue;
+        added.shape = makeShape(light, *leaf, database, leaves);
+        if (!added.shape)
+            continue;
+        checkCounts(light);
+        added.seenBy = shownTo(light, *leaf);
+        if (added.seenBy)
+            seen_.push_back(std::uint32_t(lights_.size() - 1));
     }
 }
 
@@ -130,7 +115,7 @@ const std::vector<std::uint32_t>& Lights::behind(miTag tag) const
 {
     const std::vector<std::uint32_t>& indices = leaves_.lightsBelow(tag);
     if (indices.empty())
-        warnOnce(tag);
+        warnNoLight(tag);
     return indices;
 }
 
@@ -140,25 +125,61 @@ const LeafLight* Lights::leaf(miTag tag) const
     return indices.empty() || lights_[indices.front()].leaf->tag != tag ? nullptr : &lights_[indices.front()];
 }
 
+const LeafLight* Lights::nearest(const Ray& ray, ShapeHit& hit) const
+{
+    const LeafLight* found = nullptr;
+    Ray rest = ray;
+    for (const std::uint32_t index : seen_) {
+        const LeafLight& light = lights_[index];
+        ShapeHit met;
+        if (!(light.seenBy & ray.seenBy) || !light.shape->meet(rest, met))
+            continue;
+        rest.far = met.distance;
+        hit = met;
+        found = &light;
+    }
+    return found;
+}
+
 void Lights::collect(std::vector<Function*>& functions) const
 {
     for (const LeafLight& light : lights_)
         functions.insert(functions.end(), light.shader.begin(), light.shader.end());
 }
 
-void Lights::warnOnce(miTag tag) const
+bool Lights::firstWarning(miTag tag) const
 {
-    const auto* const light = database_.findAs<Light>(tag);
-    if (!light)
+    const std::lock_guard lock(warnedLock_);
+    return warned_.insert(tag).second;
+}
+
+void Lights::warnNoLight(miTag tag) const
+{
+    const Element* const element = database_.find(tag);
+    if (!element)
         return;
-    {
-        const std::lock_guard lock(warnedLock_);
-        if (!warned_.insert(tag).second)
-            return;
+    if (element->kind == miSCENE_LIGHT) {
+        if (firstWarning(tag))
+            message(Level::warning, "RC",
+                    "light " + inQuotes(element->name) +
+                        " is sampled by itself and gives no light; name its instance instead");
+        return;
     }
-    message(Level::warning, "RC",
-            "light \"" + light->name +
-                "\" is sampled by itself and gives no light; name its instance instead");
+    // What is hidden, or an instance of an empty group, is none of the scene's lights for good reasons.
+    const auto* const instance = dynamic_cast<const Instance*>(element);
+    const Element* const item = instance ? database_.find(instance->record.item) : element;
+    if (item && item->kind != miSCENE_LIGHT && item->kind != miSCENE_GROUP && firstWarning(tag))
+        message(Level::warning, "RC",
+                std::string(kindName(element->kind)) + ' ' + inQuotes(element->name) +
+                    " is sampled as a light and gives none");
+}
+
+void Lights::warnEndless(const LeafLight& light) const
+{
+    if (firstWarning(light.leaf->tag))
+        message(Level::warning, "RC",
+                called(*light.light) + " has given one point " + std::to_string(mostLightSamples) +
+                    " samples, and its shader has not ended them by returning 2; no more are taken");
 }
 
 } // namespace host

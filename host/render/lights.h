@@ -3,13 +3,18 @@
 #pragma once
 
 #include "host/render/leaves.h"
+#include "host/render/lightshape.h"
 #include "host/render/surface.h"
 
+#include <memory>
 #include <mutex>
 #include <set>
 #include <vector>
 
 namespace host {
+
+/// What the counter that light shaders see can hold: no light takes more samples.
+inline constexpr int mostLightSamples = 65535;
 
 /// A light seen through one leaf instance, in internal space.
 struct LeafLight {
@@ -18,11 +23,15 @@ struct LeafLight {
     FunctionList shader;
     miVector origin = {0.0f, 0.0f, 0.0f};
     miVector direction = {0.0f, 0.0f, 0.0f}; ///< unit; null for point lights
+    std::unique_ptr<LightShape> shape;       ///< null unless samples are taken over one
+    unsigned seenBy = 0;                     ///< RayBit: by which rays the shape is seen
 
     bool directional() const { return light->record.type == miLIGHT_DIRECTION; }
-    bool area() const { return !directional() && light->record.area != miLIGHT_NONE; }
 
-    /// How many samples a surface takes; `level` is the sum of the surface's ray levels.
+    /// The shader chooses where samples lie, and how many there are.
+    bool user() const { return !directional() && light->record.area == miLIGHT_USER; }
+
+    /// How many samples a surface takes at most; `level` is the sum of the surface's ray levels.
     int samples(int level) const;
 
     /// The point that sample `index` lights from. Samples of area lights are stratified over the shape;
@@ -33,28 +42,42 @@ struct LeafLight {
 /// Read-only, and safe from any thread.
 class Lights {
 public:
-    /// Throws Error, with the light's place, for kinds that are not supported.
+    /// Throws Error, with the light's place, for what cannot be rendered.
     Lights(const Database& database, const Leaves& leaves);
 
     const std::vector<LeafLight>& all() const { return lights_; }
 
+    /// Tags of all leaf lights, in the order of the scene.
+    const std::vector<miTag>& tags() const { return tags_; }
+
     /// Indices in `all` of what a tag stands for: a leaf light, or all leaves at or below a scene instance. A
-    /// tag of something else is none; a light's own tag, which is easily taken for its instance's, is worth a
-    /// warning.
+    /// tag of something else is none, and worth a warning: a light's own is easily taken for its instance's.
     const std::vector<std::uint32_t>& behind(miTag tag) const;
 
     /// The light of a leaf instance, or null.
     const LeafLight* leaf(miTag tag) const;
 
+    /// True when some light's shape is seen by rays.
+    bool seen() const { return !seen_.empty(); }
+
+    /// The light whose shape a ray meets first between its ends, or null.
+    const LeafLight* nearest(const Ray& ray, ShapeHit& hit) const;
+
+    /// Tells, once for each light, that its shader has not ended the samples of a point.
+    void warnEndless(const LeafLight& light) const;
+
     /// Appends all light shaders.
     void collect(std::vector<Function*>& functions) const;
 
 private:
-    void warnOnce(miTag tag) const;
+    void warnNoLight(miTag tag) const;
+    bool firstWarning(miTag tag) const;
 
     const Database& database_;
     const Leaves& leaves_;
     std::vector<LeafLight> lights_;
+    std::vector<miTag> tags_;
+    std::vector<std::uint32_t> seen_; ///< indices in `lights_`
     mutable std::mutex warnedLock_;
     mutable std::set<miTag> warned_;
 };

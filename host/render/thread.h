@@ -12,12 +12,22 @@
 
 namespace host {
 
-/// A running loop over the samples of a light: which leaf, and which of its samples, comes next.
+/// A running loop over the samples of a light: which of its leaves, and which sample of that, comes next.
 struct LightLoop {
     const miState* state;
     miTag light;
+    const std::vector<std::uint32_t>* leaves; ///< what `light` stands for
     std::uint32_t leaf;
     int sample;
+    int before; ///< samples of the leaves before
+
+    /// Goes on to the next leaf; this one counts as so many samples.
+    void endLeaf(int count)
+    {
+        ++leaf;
+        sample = 0;
+        before += count;
+    }
 };
 
 /// Rays that cast rays that cast rays: how deep they may nest. Less where long networks take the stack.

@@ -72,13 +72,48 @@ void enter(Frame& frame, const FunctionList& volume)
     frame.state.volume = volume.empty() ? miNULLTAG : volume.front()->tag;
 }
 
-/// Looks for the nearest hit of the frame's ray and lets its material shade it; a miss is the environment's.
+/// A light's shape as it is seen: its shader is called for a ray of that type.
+miBoolean shadeLight(Frame& frame, const LeafLight& light, const ShapeHit& hit, miColor& result)
+{
+    miState& state = frame.state;
+    clearHit(state);
+    state.instance = state.light_instance = light.leaf->tag;
+    state.label = light.light->record.label;
+    state.dist = hit.distance;
+    state.point = state.org + state.dir * float(hit.distance);
+    const double cosine = dot(hit.normal, state.dir);
+    state.inv_normal = cosine > 0.0;
+    state.face = state.inv_normal ? 'b' : 'f';
+    state.normal = state.normal_geom = state.inv_normal ? -hit.normal : hit.normal;
+    state.dot_nd = float(-std::abs(cosine));
+    state.shadow_tol = startDistance(state.point);
+    const StateScope scope(state);
+    return callAll(light.shader, &result, state);
+}
+
+/// The light whose shape hides what a ray meets otherwise; a shape that lies on a surface is before it.
+const LeafLight* lightBefore(const Lights& lights, Ray ray, const Hit* hit, ShapeHit& shape)
+{
+    if (!lights.seen())
+        return nullptr;
+    if (hit)
+        ray.far = hit->distance + startDistance(ray.origin + ray.direction * hit->distance);
+    return lights.nearest(ray, shape);
+}
+
+/// Looks for the nearest hit of the frame's ray and lets its material or light shade it; a miss is the
+/// environment's.
 miBoolean shadeHit(RenderThread& thread, Frame& frame, const Ray& ray, miColor& result)
 {
     result = black;
+    if (isNull(ray.direction) || !isFinite(ray.direction) || !isFinite(ray.origin))
+        return callEnvironment(thread, frame, result);
     Hit hit;
-    if (isNull(ray.direction) || !isFinite(ray.direction) || !isFinite(ray.origin) ||
-        !thread.stage.world.nearest(ray, hit))
+    const bool met = thread.stage.world.nearest(ray, hit);
+    ShapeHit shape;
+    if (const LeafLight* const light = lightBefore(thread.stage.lights, ray, met ? &hit : nullptr, shape))
+        return shadeLight(frame, *light, shape, result);
+    if (!met)
         return callEnvironment(thread, frame, result);
     setHit(frame, ray.direction, hit, true);
     const Surface& surface = *World::surface(hit);

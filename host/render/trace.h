@@ -44,6 +44,10 @@ miBoolean sampleLight(miColor& result, miVector* direction, float* cosine, miSta
 /// The leaf lights that the tags stand for, or all others; the list lives as long as the innermost ray.
 const std::vector<miTag>& lightList(miState& state, const miTag* tags, int count, bool exclusive);
 
+/// The leaf lights of the light list of the state's instance, all of the scene when it has none; the list
+/// lives as long as the rendering.
+const std::vector<miTag>& instanceLights(const miState& state);
+
 /// The opacity of the state's sample: the last one set counts. Without a sample, in networks that run before
 /// rendering, it has no meaning and is left out.
 void setOpacity(miState& state, const miColor& opacity);

@@ -19,23 +19,24 @@ struct World::Query {
 
 namespace {
 
-/// Leaf lights whose shadows an object casts, sorted.
-std::vector<miTag> shadowLights(const Instance& leaf, const Leaves& leaves)
+/// The leaf lights that a list of instances stands for, or all others; in the order of the scene.
+std::vector<miTag> listed(const std::vector<miTag>& instances, bool exclusive, const Leaves& leaves)
 {
-    std::vector<bool> listed(leaves.lights().size(), false);
-    for (const miTag light : leaf.shadowLights)
-        for (const std::uint32_t index : leaves.lightsBelow(light))
-            listed[index] = true;
+    std::vector<bool> named(leaves.lights().size(), false);
+    for (const miTag instance : instances)
+        for (const std::uint32_t index : leaves.lightsBelow(instance))
+            named[index] = true;
     std::vector<miTag> result;
-    for (std::size_t i = 0; i < listed.size(); ++i)
-        if (listed[i] != bool(leaf.record.shadow_excl))
+    for (std::size_t i = 0; i < named.size(); ++i)
+        if (named[i] != exclusive)
             result.push_back(leaves.lights()[i]->tag);
-    std::sort(result.begin(), result.end());
     return result;
 }
 
 /// A side of a surface that nobody excludes.
 bool sideSeen(char face, bool front) { return face == 'f' ? front : face == 'b' ? !front : true; }
+
+} // namespace
 
 RTCRay toEmbree(const Ray& ray)
 {
@@ -52,8 +53,6 @@ RTCRay toEmbree(const Ray& ray)
     r.mask = ~0u;
     return r;
 }
-
-} // namespace
 
 miVector Body::pointToWorld(const miVector& point, float time) const
 {
@@ -131,9 +130,13 @@ void World::add(const Instance& leaf, const Database& database, const Leaves& le
     body.moves = blurs_ && leaf.hasMotion;
     for (const miTag material : leaf.materials)
         body.materials.push_back(surfaces.add(material, *database.find(leaf.record.parent)));
+    body.limitsLights = leaf.hasLights;
+    if (leaf.hasLights)
+        body.lights = listed(leaf.lights, leaf.record.exclusive, leaves);
+    body.limitsShadows = leaf.hasShadowLights;
     if (leaf.hasShadowLights) {
-        body.limitsShadows = true;
-        body.shadowLights = shadowLights(leaf, leaves);
+        body.shadowLights = listed(leaf.shadowLights, leaf.record.shadow_excl, leaves);
+        std::sort(body.shadowLights.begin(), body.shadowLights.end());
     }
     if (body.materials.empty() && std::count(shared.own.begin(), shared.own.end(), nullptr) != 0)
         message(Level::warning, "RC",

@@ -32,8 +32,10 @@ struct Body {
     const Model* model = nullptr;
     unsigned rays = 0; ///< RayBit
     bool overrides = false;
+    bool limitsLights = false;             ///< has a light list: `lights`
     bool limitsShadows = false;            ///< casts shadows only in `shadowLights`
     std::vector<const Surface*> materials; ///< inherited
+    std::vector<miTag> lights;             ///< leaf lights, in the order of the scene
     std::vector<miTag> shadowLights;       ///< leaf lights, sorted
     char face = 'a';                       ///< 'f', 'b' or 'a'
     bool moves = false;                    ///< its instances do, while the shutter is open
@@ -75,6 +77,9 @@ struct Ray {
     miTag light = 0;   ///< for shadow rays: the leaf light
     float time = 0.0f; ///< from 0 to 1 over the shutter
 };
+
+/// The ray for the index.
+RTCRay toEmbree(const Ray& ray);
 
 /// The bodies of one rendering, behind an index for intersection. Safe from any thread once it is built.
 class World {

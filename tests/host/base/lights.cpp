@@ -103,6 +103,41 @@ TEST(Lights, FactorSoftensTheShadowOfWhatBlocks)
     }
 }
 
+TEST(Lights, AVisibleOneIsSeenInItsPlainColour)
+{
+    // Colours of three numbers have alpha 0; what is looked at is opaque nevertheless.
+    for (const char* const shader : {R"("mib_light_point" ( "color" 3 2 1, "atten" on, "stop" .1 ))",
+                                     R"("mib_light_spot" ( "color" 3 2 1 ) direction 0 0 -1 spread .9)"}) {
+        const auto picture =
+            rendered(light(std::string(shader) + " origin 0 0 2 visible disc 0 0 1 1 2 2"), R"("lamp-i")");
+        for (int j = 0; j < picture.height; ++j)
+            for (int i = 0; i < picture.width; ++i) {
+                const bool inside = std::hypot(place(i), place(j)) < 1.0f;
+                EXPECT_EQ(picture.at(i, j).g, inside ? 2.0f : 0.0f);
+                EXPECT_EQ(picture.at(i, j).a, inside ? 1.0f : 0.0f);
+            }
+    }
+}
+
+TEST(Lights, AnObjectLightsAsTheMeanOfItsPoints)
+{
+    // A thin strip from (-1, 0, 2) to (1, 0, 2), sampled often along it.
+    const auto picture = rendered(white + R"(
+object "strip"
+    group  -1 0 2  1 0 2  1 .001 2  -1 .001 2   v 0 v 1 v 2 v 3   p 0 1 2 3  end group
+end object
+instance "strip-i" "strip" material "white" end instance
+)" + light(R"("mib_light_point" ( "shadow" off ) object "strip-i" 50 50)"),
+                                  R"("wall-i" "strip-i" "lamp-i")");
+    for (int i = 0; i < picture.width; i += 4) {
+        const double x = place(i), y = place(20);
+        // The mean of 2 / sqrt((x - t)² + y² + 4) for t from -1 to 1.
+        const double h = std::hypot(y, 2.0);
+        const double mean = std::asinh((x + 1) / h) - std::asinh((x - 1) / h);
+        EXPECT_NEAR(picture.at(i, 20).g, mean, 2e-3) << i;
+    }
+}
+
 TEST(Shadows, TransparentOnesMultiply)
 {
     const std::string panes = R"(

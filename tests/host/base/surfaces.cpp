@@ -78,7 +78,7 @@ instance "ball-i" geometry "mib_geo_sphere" ( "u" 48, "v" 24, "radius" 1.5 ) mat
 
 TEST(Illumination, ModeChoosesTheLights)
 {
-    const auto lit = [](const std::string& choice) {
+    const auto lit = [](const std::string& choice, const std::string& list = {}) {
         std::string body;
         for (const char* const name : {"1", "2", "4"})
             body += "light \"l" + std::string(name) + "\" \"mib_light_infinite\" ( \"color\" ." + name +
@@ -87,7 +87,8 @@ TEST(Illumination, ModeChoosesTheLights)
         body += R"(instgroup "pair" "l1-i" "l2-i" end instgroup  instance "pair-i" "pair" end instance
 material "white" "mib_illum_lambert" ( "diffuse" 1 1 1, )" +
                 choice + R"( ) end material
-)" + square("wall", 0.0f, "white");
+)" + square("wall", 0.0f, "white") +
+                "incremental instance \"wall-i\" " + list + " end instance\n";
         return middle(body, R"("wall-i" "pair-i" "l4-i")").r;
     };
     EXPECT_NEAR(lit(R"("mode" 0, "lights" ["l4-i"])"), 0.4f, 1e-6f);
@@ -96,6 +97,18 @@ material "white" "mib_illum_lambert" ( "diffuse" 1 1 1, )" +
     EXPECT_NEAR(lit(R"("mode" 1, "lights" ["pair-i"])"), 0.3f, 1e-6f);
     EXPECT_NEAR(lit(R"("mode" 2, "lights" ["pair-i"])"), 0.4f, 1e-6f);
     EXPECT_NEAR(lit(R"("mode" 4, "lights" ["l4-i"])"), 0.7f, 1e-6f);
+    // The light list of the wall's instance counts in mode 4 alone.
+    EXPECT_NEAR(lit(R"("mode" 4)", R"(light [ "pair-i" ])"), 0.3f, 1e-6f);
+    EXPECT_NEAR(lit(R"("mode" 4, "lights" ["l4-i"])", R"(light [ "l1-i" ])"), 0.1f, 1e-6f);
+    EXPECT_NEAR(lit(R"("mode" 4)", R"(light "exclusive" [ "l1-i", "l1-i" ])"), 0.6f, 1e-6f);
+    EXPECT_NEAR(lit(R"("mode" 4)", R"(light "exclusive" [])"), 0.7f, 1e-6f);
+    EXPECT_NEAR(lit(R"("mode" 4)", R"(light [ "l1-i" ] light [])"), 0.7f, 1e-6f) << "taken back";
+    for (const std::string list : {R"(light [ "l1-i" ])", R"(light "exclusive" [ "l4-i" ])"}) {
+        EXPECT_NEAR(lit(R"("mode" 0, "lights" ["l4-i"])", list), 0.4f, 1e-6f);
+        EXPECT_NEAR(lit(R"("mode" 0)", list), 0.0f, 1e-6f);
+        EXPECT_NEAR(lit(R"("mode" 1, "lights" ["pair-i"])", list), 0.3f, 1e-6f);
+        EXPECT_NEAR(lit(R"("mode" 2, "lights" ["pair-i"])", list), 0.4f, 1e-6f);
+    }
 }
 
 TEST(Textures, LookupShowsTheImageAtTheRemappedCoordinate)

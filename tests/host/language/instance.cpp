@@ -174,6 +174,23 @@ TEST(Instance, LightListsMayExclude)
               "2:9: \"red\" is not the name of a light instance but of a material");
 }
 
+TEST(Instance, AListOfLightsMayHoldWhatIsNoneWithAWarning)
+{
+    Placed p("light [ \"key\" ]");
+    EXPECT_TRUE(p.scene.messages.lines().empty());
+    p.scene.read("instgroup \"g\" \"key\" end instgroup instance \"pair\" \"g\" end instance\n"
+                 "instance \"ball\" \"o\" end instance\n");
+    p.change("light [ \"pair\" ]");
+    EXPECT_TRUE(p.scene.messages.lines().empty());
+    p.change("light [ \"l\" ] light shadow [ \"ball\" ]");
+    EXPECT_EQ(p.scene.messages.count(
+                  "light \"l\" is listed by itself, which stands for nothing; name its instance"),
+              1);
+    EXPECT_EQ(p.scene.messages.count("instance \"ball\" is listed as a light and is none"), 1);
+    EXPECT_EQ(p.scene.messages.lines().size(), 2u);
+    EXPECT_EQ(p.instance().lights, std::vector<miTag>{p.tag("l")});
+}
+
 TEST(Instance, GeometryShadersStandInPlaceOfAnElement)
 {
     Scene scene(before + "instance \"g\" geometry \"maker\" ( ) \"maker\" ( ) tag 3 end instance");
