@@ -66,7 +66,7 @@ double fraction(std::uint32_t seed, std::uint32_t number, std::uint32_t dimensio
 int LeafLight::samples(int level) const
 {
     if (user())
-        return mostLightSamples;
+        return mostUserCalls;
     if (!shape)
         return 1;
     const Strata counts = strata(light->record, level);
@@ -178,7 +178,7 @@ void Lights::warnEndless(const LeafLight& light) const
 {
     if (firstWarning(light.leaf->tag))
         message(Level::warning, "RC",
-                called(*light.light) + " has given one point " + std::to_string(mostLightSamples) +
+                called(*light.light) + " has given one point " + std::to_string(mostUserCalls) +
                     " samples, and its shader has not ended them by returning 2; no more are taken");
 }
 

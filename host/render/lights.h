@@ -16,6 +16,9 @@ namespace host {
 /// What the counter that light shaders see can hold: no light takes more samples.
 inline constexpr int mostLightSamples = 65535;
 
+/// How often a user light's shader is called at one point: until its counter, which has 16 bits, would begin anew.
+inline constexpr int mostUserCalls = 65536;
+
 /// A light seen through one leaf instance, in internal space.
 struct LeafLight {
     const Instance* leaf = nullptr;

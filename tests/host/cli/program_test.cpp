@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <cstring>
 #include <sys/mount.h>
+#include <sys/resource.h>
 
 using namespace test;
 
@@ -509,4 +510,37 @@ TEST_F(Program, ProfileAndGraphComeWithThePicture)
     EXPECT_NE(outcome.output.find("\n\"red\" vhConstColor_v2 "), std::string::npos) << outcome.output;
     EXPECT_EQ(folder.names(), (std::vector<std::string>{"net.dot", "out.tif", "scene.mi"}));
     EXPECT_EQ(folder.read("net.dot").rfind("digraph", 0), 0u);
+}
+
+TEST_F(Program, AMillionParticles)
+{
+    // Of which the renderer's counter reaches 65535, whose light adds up: together they give 200/255.
+    std::string positions, colors;
+    for (int k = 0; k < 1'000'000; ++k) {
+        positions += k ? ", 0 0 5" : "0 0 5";
+        colors += k ? ", 1 1 1 2.3935e-5" : "1 1 1 2.3935e-5";
+    }
+    Scene scene;
+    scene.shaders =
+        "light \"swarm\" \"vhParticleLight_v1\" ( \"falloff\" 0, \"shadow\" off, \"positions\" [" +
+        positions + "], \"colors\" [" + colors +
+        "] ) origin 0 0 0 user end light\n"
+        "instance \"swarm-i\" \"swarm\" end instance\n";
+    scene.head += "link \"base.so\"\n$include <base.mi>\n";
+    scene.material =
+        "material \"m\" \"mib_illum_lambert\" ( \"diffuse\" 1 1 1, \"lights\" [\"swarm-i\"] ) end "
+        "material\n";
+    scene.camera = "camera \"cam\" output \"rgb\" \"ppm\" \"out.ppm\"\n"
+                   "focal 1 aperture 0.001 aspect 1 resolution 1 1 end camera\n";
+    scene.instances.replace(scene.instances.find("\"quad-i\" end instgroup"), 8, "\"quad-i\" \"swarm-i\"");
+    const Outcome outcome = render(scene);
+    EXPECT_EQ(outcome.status, 0) << outcome.messages;
+    EXPECT_EQ(outcome.messages, "");
+    EXPECT_EQ(folder.read("out.ppm").substr(folder.read("out.ppm").size() - 3), std::string(3, '\xc8'));
+
+    rusage used{};
+    ASSERT_EQ(getrusage(RUSAGE_CHILDREN, &used), 0);
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+    EXPECT_LT(used.ru_maxrss, 1000 * 1024) << "KiB"; // what docs/host.md states, and a quarter more
+#endif
 }

@@ -114,13 +114,13 @@ TEST(UserLight, OneThatNeverEndsIsStoppedWithOneWarning)
     scene.rounds = 2;
     const Messages messages;
     scene.run();
-    ASSERT_EQ(scene.counts.size(), 2u * 65535u);
+    ASSERT_EQ(scene.counts.size(), 2u * 65536u);
     EXPECT_EQ(scene.counts[65534], 65534);
-    EXPECT_EQ(scene.counts[65535], 0) << "the second loop";
-    EXPECT_EQ(scene.delivered.size(), 2u * 65535u);
-    EXPECT_EQ(scene.samples, 65535);
+    EXPECT_EQ(scene.counts[65536], 0) << "the second loop";
+    EXPECT_EQ(scene.delivered.size(), 2u * 65536u);
+    EXPECT_EQ(scene.samples, 65536);
     ASSERT_EQ(messages.lines().size(), 1u);
-    EXPECT_EQ(messages.count("light \"\" has given one point 65535 samples"), 1);
+    EXPECT_EQ(messages.count("light \"\" has given one point 65536 samples"), 1);
 }
 
 TEST(UserLight, ItsStateBeginsAsThatOfAPointLight)
