@@ -16,6 +16,7 @@ Picture renderPicture(Session& session, const RenderCommand& command, const Came
     const SchedulerLimits limits(threadCount(settings.threads));
     const GeometryRun geometry(session, command, camera, options);
     Stage stage(session, command, camera, options);
+    stage.addPhenomena();
     Network network(stage.roots(), session.libraries);
     stage.loadTextures(network);
     miState exitState{};
