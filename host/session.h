@@ -40,8 +40,8 @@ struct Session {
     struct {
         std::size_t include = 0, library = 0, texture = 0;
     } registryFolders;
-    bool keepVerbosity = false;                   ///< the command line set it: `verbose` in scenes is ignored
-    bool linkLibraries = true;                    ///< false: `link` in scenes is read and does nothing
+    bool keepVerbosity = false; ///< the command line set it: `verbose` in scenes is ignored
+    bool linkLibraries = true;  ///< false: `link` in scenes is read and does nothing
 
     /// Called for each `render` command while reading goes on; may throw Error.
     std::function<void(const RenderCommand&)> onRender;

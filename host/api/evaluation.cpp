@@ -7,8 +7,8 @@ void* mi_phen_eval(miState* state, void* parameter) { return host::evaluateConne
 
 void mi_flush_cache(miState* state) { host::flushResults(*state); }
 
-// The renderer's headers have a type of their own for `kind`, an enumeration; here a shader is called as what it
-// is, whatever it is called for.
+// The renderer's headers have a type of their own for `kind`, an enumeration; here a shader is called as what
+// it is, whatever it is called for.
 extern "C" {
 
 miBoolean mi_call_shader_x(miColor* result, int /*kind*/, miState* state, miTag shader, void* argument)

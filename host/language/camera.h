@@ -43,7 +43,10 @@ public:
     void framebuffer(const Name& name);
 
 private:
-    std::string expanded(const Name& file) const { return context_.session.registry.expand(file.text, file.where); }
+    std::string expanded(const Name& file) const
+    {
+        return context_.session.registry.expand(file.text, file.where);
+    }
     void append(ShaderList& list, std::vector<ShaderUse> uses);
 
     Context& context_;

@@ -36,7 +36,8 @@ void removeWithNetwork(Database& database, miTag tag)
 
 Context::Context(Session& theSession) : session(theSession), reading_(std::make_shared<Reading>()) {}
 
-Context::Context(const Context& outer, Function& definition, Scope names, NetworkMembers& former, std::size_t words)
+Context::Context(const Context& outer, Function& definition, Scope names, NetworkMembers& former,
+                 std::size_t words)
     : session(outer.session), setting_{std::move(names), &definition}, expansion_(definition.expansion.get()),
       former_(&former), depth_(outer.depth_ + 1), reading_(outer.reading_)
 {
@@ -102,6 +103,9 @@ miTag Context::add(std::unique_ptr<Element> element)
     Database& database = session.database;
     miTag tag = miNULLTAG;
     if (!element->name.empty()) {
+        const bool outside = element->name.substr(0, 2) == "::";
+        if (expansion_ && outside)
+            throw Error(element->where, "what a phenomenon defines is its own: " + inQuotes(element->name));
         element->name = setting_.names.qualified(element->name);
         const Element* const earlier = taken(element->name);
         warnIfTaken(earlier, element->name, element->where);
@@ -131,6 +135,8 @@ NetworkMembers Context::networkOf(const std::string& name) const
 
 void Context::alias(const Name& name, miTag tag)
 {
+    if (expansion_ && name.text.substr(0, 2) == "::")
+        throw Error(name.where, "what a phenomenon defines is its own: " + inQuotes(name.text));
     const std::string full = setting_.names.qualified(name.text);
     warnIfTaken(taken(full), full, name.where);
     session.database.alias(full, tag);

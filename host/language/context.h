@@ -35,7 +35,8 @@ public:
 
     /// The inside of a definition's network. Elements found in `former` are made anew and taken out of it.
     /// Throws Error when there is too much to expand.
-    Context(const Context& outer, Function& definition, Scope names, NetworkMembers& former, std::size_t words);
+    Context(const Context& outer, Function& definition, Scope names, NetworkMembers& former,
+            std::size_t words);
 
     Session& session;
 
@@ -70,8 +71,8 @@ public:
     /// The material or light that a definition of a phenomenon gives; other elements stand for themselves.
     Element& meant(Element& element) const;
 
-    /// Puts a finished element into the database under its name as it stands in the text. A name that is taken
-    /// already is one warning: an element of the same kind is then replaced for all who use it.
+    /// Puts a finished element into the database under its name as it stands in the text. A name that is
+    /// taken already is one warning: an element of the same kind is then replaced for all who use it.
     miTag add(std::unique_ptr<Element> element);
 
     /// What `add` would replace is a definition of a phenomenon: the elements of its network.

@@ -114,6 +114,7 @@ Lexer::Token Lexer::body()
                          result->tokens.back().kind() == Parser::symbol_kind::S_END;
         if (end)
             break;
+        result->interfaces += token.kind() == Parser::symbol_kind::S_INTERFACE;
         result->tokens.push_back(std::move(token));
     }
     const Location end = result->tokens.back().location;

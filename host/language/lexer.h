@@ -95,7 +95,7 @@ private:
     bool takeBody_ = false;
     std::optional<Token> ahead_;
     Parser::symbol_kind_type last_ = Parser::symbol_kind::S_YYEMPTY; // handed out
-    bool lookingAhead_ = false; // nothing that is read takes effect
+    bool lookingAhead_ = false;                                      // nothing that is read takes effect
 };
 
 } // namespace host::language

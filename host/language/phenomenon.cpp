@@ -4,16 +4,20 @@
 #include "host/language/builder.h"
 #include "host/language/tokens.h"
 
+#include <algorithm>
+
 namespace host::language {
 
 namespace {
 
-/// The name before the elements of a network: the definition's own, or one that no other has.
-std::string privateName(const Function& definition)
+/// The name before the elements of a network: the definition's own, or one that no other has. Either begins
+/// with the names around, so that nothing inside can have the name of a definition that is being expanded.
+std::string privateName(const Context& context, const Function& definition)
 {
     if (!definition.name.empty())
         return definition.name;
-    return definition.declaration().name + '(' + std::to_string(definition.tag) + ')';
+    return context.setting().names.inside + definition.declaration().name + '(' +
+           std::to_string(definition.tag) + ')';
 }
 
 std::string resultText(const Declaration& declaration) { return typeText(declaration.result); }
@@ -39,11 +43,23 @@ void checkRoots(const Context& context, const Declaration& declaration, const Ex
     if (made.roots.empty() && made.extra.empty())
         throw Error(where, who + " has no root");
     for (const miTag root : made.roots) {
-        const Declaration& found = context.session.database.findAs<Function>(root)->declaration();
+        const auto* const function = context.session.database.findAs<Function>(root);
+        if (!function)
+            throw Error(where, who + " has a root that was deleted");
+        const Declaration& found = function->declaration();
         if (!sameKind(found.result, declaration.result))
             throw Error(where, who + " is declared to give " + resultText(declaration) + ", but its root " +
                                    inQuotes(found.name) + " gives " + resultText(found));
     }
+}
+
+/// What a network costs: its words, and for each use of a parameter at most everything in a large block, the
+/// elements of arrays among it.
+std::size_t wordsOf(const PhenomenonBody& body, const Function& definition)
+{
+    constexpr std::size_t ordinary = 1024;
+    const auto bytes = std::max(static_cast<std::size_t>(definition.record()->parameter_size), ordinary);
+    return body.tokens.size() + body.interfaces * ((bytes - ordinary) / sizeof(float));
 }
 
 /// Reads the body into a definition's network; what the body says of the phenomenon itself.
@@ -51,8 +67,8 @@ Declaration makeNetwork(Context& context, Function& definition, NetworkMembers& 
 {
     const PhenomenonBody& body = *definition.declaration().body;
     definition.expansion = std::make_unique<Expansion>();
-    Context inside(context, definition, {privateName(definition) + "::", body.names.inside}, former,
-                   body.tokens.size());
+    Context inside(context, definition, {privateName(context, definition) + "::", body.names.inside}, former,
+                   wordsOf(body, definition));
     Builder builder(inside);
     Replay tokens(body);
     Parser(tokens, builder).parse();

@@ -40,8 +40,8 @@ private:
 };
 
 /// Makes the network of a phenomenon's definition, which is in the database. `former` are the elements of the
-/// network that it had before: those that are made again keep their tags, the others are removed. Does nothing
-/// but that for a plain shader. Throws Error.
+/// network that it had before: those that are made again keep their tags, the others are removed. Does
+/// nothing but that for a plain shader. Throws Error.
 void expand(Context& context, Function& definition, NetworkMembers former);
 
 } // namespace host::language

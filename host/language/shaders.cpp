@@ -17,9 +17,9 @@ const Material* Shaders::makeMaterial(std::vector<ShaderUse> uses, ShaderList& l
 {
     const Location where = uses.empty() ? Location() : uses.front().place();
     list = makeAny(std::move(uses));
-    if (list.size() == 1)
-        if (const auto* const material = dynamic_cast<const Material*>(
-                &context_.meant(*context_.session.database.find(list.front()))))
+    Element* const only = list.size() == 1 ? context_.session.database.find(list.front()) : nullptr;
+    if (only)
+        if (const auto* const material = dynamic_cast<const Material*>(&context_.meant(*only)))
             return material;
     refuseElements(list, where);
     return nullptr;
@@ -28,10 +28,12 @@ const Material* Shaders::makeMaterial(std::vector<ShaderUse> uses, ShaderList& l
 void Shaders::refuseElements(const ShaderList& list, const Location& where) const
 {
     for (const miTag tag : list) {
-        Function& function = *context_.session.database.findAs<Function>(tag);
-        const Element& given = context_.meant(function);
-        if (&given != &function)
-            throw Error(where, function.title() + " gives a " + std::string(kindName(given.kind)) +
+        auto* const function = context_.session.database.findAs<Function>(tag);
+        if (!function) // of a named list, and deleted since
+            continue;
+        const Element& given = context_.meant(*function);
+        if (&given != function)
+            throw Error(where, function->title() + " gives a " + std::string(kindName(given.kind)) +
                                    ", it cannot be called as a shader");
     }
 }

@@ -87,8 +87,8 @@ std::string expected(const Parser::context& context, std::string_view expectatio
     for (const Parser::symbol_kind_type kind : all) {
         const std::string name = Parser::symbol_name(kind);
         const bool named = kind == Kind::S_STRING || kind == Kind::S_SYMBOL || kind == Kind::S_FLOAT ||
-                           kind == Kind::S_INTEGER || kind == Kind::S_BINARY_VECTOR || kind == Kind::S_YYEOF ||
-                           kind == Kind::S_BODY_BEGIN;
+                           kind == Kind::S_INTEGER || kind == Kind::S_BINARY_VECTOR ||
+                           kind == Kind::S_YYEOF || kind == Kind::S_BODY_BEGIN;
         const bool synonym = kind == Kind::S_TRUE || kind == Kind::S_FALSE;
         if (named || synonym || (isKeyword(kind) && keywords > mostAlternatives && kind != Kind::S_END))
             continue;

@@ -14,6 +14,7 @@ namespace host {
 /// The text between a phenomenon's parameters and its end, read again for every definition.
 struct PhenomenonBody {
     std::vector<language::Parser::symbol_type> tokens; ///< the last one is the end of the text
+    std::size_t interfaces = 0;                        ///< how often parameters are used
     Scope names;                                       ///< of the declaration
 };
 

@@ -73,7 +73,8 @@ void GeometryRun::addPhenomena(miTag root)
                 added.emplace_back(extra.priority, &instance);
             }
     }
-    std::stable_sort(added.begin(), added.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
+    std::stable_sort(added.begin(), added.end(),
+                     [](const auto& a, const auto& b) { return a.first < b.first; });
     if (added.empty())
         return;
     root_ = root;

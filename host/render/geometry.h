@@ -31,7 +31,7 @@ private:
     miTag lastBefore_;
     miTag lastCreated_;
     std::vector<miTag> instances_;
-    miTag root_ = miNULLTAG; ///< the group that instances were added to, and
+    miTag root_ = miNULLTAG;         ///< the group that instances were added to, and
     std::vector<miTag> rootMembers_; ///< what was in it
 };
 

@@ -2,9 +2,9 @@
 #include "host/render/rendering.h"
 
 #include "host/render/geometry.h"
+#include "host/shading/network.h"
 #include "host/system/scheduler.h"
 #include "host/system/workers.h"
-#include "host/shading/network.h"
 
 namespace host {
 

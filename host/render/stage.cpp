@@ -85,8 +85,8 @@ void Stage::addPhenomena()
             if (extra->kind == ExtraRoot::Kind::environment)
                 environment.insert(environment.end(), added.begin(), added.end());
             if (extra->kind == ExtraRoot::Kind::volume && !options.record.no_volume)
-                throw Error(definition->where, definition->title() +
-                                                   " adds a volume shader; volume shaders are not supported");
+                throw Error(definition->where,
+                            definition->title() + " adds a volume shader; volume shaders are not supported");
         }
     }
 }

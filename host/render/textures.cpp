@@ -194,7 +194,8 @@ const TextureImage* Textures::image(miTag tag) const
 const TextureImage* Textures::loadNow(miTag tag) const
 {
     const auto* const texture = database_.findAs<Texture>(tag);
-    if (!texture || !texture->procedural.empty()) // the shaders of one that nothing names are not in the network
+    if (!texture ||
+        !texture->procedural.empty()) // the shaders of one that nothing names are not in the network
         return nullptr;
     const std::lock_guard lock(lock_);
     if (failed_.contains(tag))

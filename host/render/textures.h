@@ -54,10 +54,12 @@ class Textures {
 public:
     Textures(const Database& database, const SearchPaths& paths);
 
-    /// Opens a texture before rendering, or finds the shaders of a procedural one. Throws Error when that fails.
+    /// Opens a texture before rendering, or finds the shaders of a procedural one. Throws Error when that
+    /// fails.
     void load(miTag texture);
 
-    /// The shaders of a procedural texture that was loaded, to be called with the coordinate; null for others.
+    /// The shaders of a procedural texture that was loaded, to be called with the coordinate; null for
+    /// others.
     const std::vector<Function*>* procedure(miTag texture) const
     {
         if (procedures_.empty())

@@ -59,8 +59,8 @@ double doubledArea(const Places& ring)
     return doubled;
 }
 
-/// Where holes touch the outline or one another, at corners or along edges, the border is walked anew, so that
-/// no edge is left that has the polygon on neither side: rings that touch become one, or fall apart.
+/// Where holes touch the outline or one another, at corners or along edges, the border is walked anew, so
+/// that no edge is left that has the polygon on neither side: rings that touch become one, or fall apart.
 class Contacts {
 public:
     /// The outline counter-clockwise, then holes clockwise.
@@ -167,10 +167,10 @@ private:
             std::vector<Point>& on = edges_[at];
             if (on.empty())
                 return; // crossing edges; the ring would stay open
-            const auto next = ring.empty() ? on.begin()
-                                           : std::min_element(on.begin(), on.end(), [&](Point p, Point q) {
-                                                 return clockwise(before, at, p) < clockwise(before, at, q);
-                                             });
+            const auto next =
+                ring.empty() ? on.begin() : std::min_element(on.begin(), on.end(), [&](Point p, Point q) {
+                    return clockwise(before, at, p) < clockwise(before, at, q);
+                });
             ring.push_back({at, vertices_.at(at)});
             before = at;
             at = *next;
@@ -194,8 +194,7 @@ private:
     {
         const double first = clockwise(before, at, ring[1].at);
         const std::vector<Point>& on = edges_.at(at);
-        return std::any_of(on.begin(), on.end(),
-                           [&](Point p) { return clockwise(before, at, p) < first; });
+        return std::any_of(on.begin(), on.end(), [&](Point p) { return clockwise(before, at, p) < first; });
     }
 
     std::vector<Places>& rings_;
@@ -233,8 +232,8 @@ public:
         const auto first = std::uint32_t(corners_.size());
         const auto count = std::uint32_t(places.size());
         for (std::uint32_t i = 0; i < count; ++i)
-            corners_.push_back({places[i].at, places[i].vertex, first + (i + count - 1) % count,
-                                first + (i + 1) % count});
+            corners_.push_back(
+                {places[i].at, places[i].vertex, first + (i + count - 1) % count, first + (i + 1) % count});
         return first;
     }
 
@@ -464,7 +463,8 @@ void triangulate(const Object& object, const Polygon& polygon, std::vector<Trian
     std::vector<Places> holes;
     const auto isHole = [](const Places& ring) { return doubledArea(ring) < 0.0; };
     if (all.size() > 1) {
-        const auto first = std::stable_partition(all.begin(), all.end(), [&](const auto& r) { return !isHole(r); });
+        const auto first =
+            std::stable_partition(all.begin(), all.end(), [&](const auto& r) { return !isHole(r); });
         holes.assign(std::make_move_iterator(first), std::make_move_iterator(all.end()));
         all.erase(first, all.end());
     }
@@ -475,7 +475,8 @@ void triangulate(const Object& object, const Polygon& polygon, std::vector<Trian
         for (const Places& hole : holes)
             if (all.size() == 1 || encloses(border, hole.front().at))
                 inside.push_back(rings.rightmost(rings.addRing(hole)));
-        // From the right to the left, so that a hole is joined before another one that it hides from the border.
+        // From the right to the left, so that a hole is joined before another one that it hides from the
+        // border.
         std::stable_sort(inside.begin(), inside.end(),
                          [&](std::uint32_t a, std::uint32_t b) { return rings.x(a) < rings.x(b); });
         while (!inside.empty()) {

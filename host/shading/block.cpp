@@ -401,7 +401,8 @@ private:
             result.field =
                 ended ? nullptr : fieldAt(first ? phenomenon.parameters : result.field->members, begin, end);
             if (!result.field)
-                fail(where, "phenomenon " + inQuotes(phenomenon.name) + " has no parameter " + inQuotes(text));
+                fail(where,
+                     "phenomenon " + inQuotes(phenomenon.name) + " has no parameter " + inQuotes(text));
             result.offset += result.field->offset;
         }
         return result;
@@ -414,9 +415,9 @@ private:
         if (!source.field->isArray)
             fail(where, inQuotes(name) + " gives " + typeText(*source.field) + ", which cannot drive " +
                             typeText(field));
-        const auto* const theirs =
-            static_cast<const std::byte*>(static_cast<const void*>(setting_.phenomenon->record()->parameters)) +
-            source.offset;
+        const auto* const theirs = static_cast<const std::byte*>(
+                                       static_cast<const void*>(setting_.phenomenon->record()->parameters)) +
+                                   source.offset;
         int first = 0;
         int count = 0;
         std::memcpy(&first, theirs, sizeof first);

@@ -99,8 +99,8 @@ miBoolean call(Function& function, void* result, miState& state, void* argument 
 /// empty list.
 miBoolean call(const Database& database, const ShaderList& list, void* result, miState& state);
 
-/// The same for shaders that other shaders call: by tag, or as a procedural texture. Such calls may lead back to
-/// themselves; throws Error when they nest deeper than maximumNetworkDepth.
+/// The same for shaders that other shaders call: by tag, or as a procedural texture. Such calls may lead back
+/// to themselves; throws Error when they nest deeper than maximumNetworkDepth.
 miBoolean callNested(const std::vector<Function*>& list, void* result, miState& state, void* argument);
 
 /// What mi_phen_eval does: the value of the connected field at `parameter`, a place in the block of the

@@ -98,8 +98,8 @@ struct Declaration {
 
 /// Computes every offset and size by the renderer's rules: fields in order, C structure layout, arrays as
 /// `int i; int n; T slot[1]`. Throws Error for a name given twice, nesting deeper than 64, a structure
-/// without members, an array in the result, a block beyond maximumDeclaredSize, or a default that the type does
-/// not take: more numbers than it has components, or a fraction for an integer.
+/// without members, an array in the result, a block beyond maximumDeclaredSize, or a default that the type
+/// does not take: more numbers than it has components, or a fraction for an integer.
 void layOut(Declaration& declaration);
 
 /// True when two declarations mean the same; places and `apply`, which is for applications only, aside.

@@ -66,7 +66,8 @@ const Connection* Function::connectionAt(std::size_t fieldOffset) const
     if (!r.ghost_flag)
         return nullptr;
     miTag ghost;
-    std::memcpy(&ghost, reinterpret_cast<const char*>(r.parameters) + r.ghost_offs + fieldOffset, sizeof ghost);
+    std::memcpy(&ghost, reinterpret_cast<const char*>(r.parameters) + r.ghost_offs + fieldOffset,
+                sizeof ghost);
     return ghost == miNULLTAG ? nullptr : &connections_[ghost - 1];
 }
 
@@ -151,7 +152,7 @@ std::string Function::title() const
 namespace {
 
 void addFunctions(const Database& database, const ShaderList& list, const Element& user, int depth,
-               std::vector<Function*>& functions)
+                  std::vector<Function*>& functions)
 {
     const auto fail = [&](const std::string& text) {
         throw Error(user.where, std::string(kindName(user.kind)) + ' ' + inQuotes(user.name) + text);

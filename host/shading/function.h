@@ -25,8 +25,8 @@ struct ExtraRoot {
 /// The network that a definition of a phenomenon stands for. The definition itself keeps the parameters;
 /// elements of the network are connected to them.
 struct Expansion {
-    ShaderList roots;           ///< called for the result, or
-    miTag element = miNULLTAG;  ///< the material or light that is the result
+    ShaderList roots;          ///< called for the result, or
+    miTag element = miNULLTAG; ///< the material or light that is the result
     std::vector<ExtraRoot> extra;
     std::vector<miTag> members; ///< every element that belongs to it
 };

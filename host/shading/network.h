@@ -18,10 +18,10 @@ std::vector<Function*> reachable(const std::vector<Function*>& roots);
 /// a time.
 class Network {
 public:
-    /// Gathers everything that `roots` are connected to or name by tag, definitions of phenomena included, resolves its shaders and compares
-    /// their versions. Throws Error for a cycle (naming the shaders on it), a chain deeper than
-    /// maximumNetworkDepth, a connection to a deleted shader, and what Libraries::resolve and checkVersion
-    /// throw.
+    /// Gathers everything that `roots` are connected to or name by tag, definitions of phenomena included,
+    /// resolves its shaders and compares their versions. Throws Error for a cycle (naming the shaders on it),
+    /// a chain deeper than maximumNetworkDepth, a connection to a deleted shader, and what Libraries::resolve
+    /// and checkVersion throw.
     Network(const std::vector<Function*>& roots, Libraries& libraries);
 
     /// Calls the exits, in this thread: of every initialised instance, then of every initialised shader, each

@@ -83,8 +83,8 @@ end declare
 light "red" "mib_light_infinite" ( "color" 1 0 0, "shadow" off ) direction 0 0 -1 end light
 light "blue" "mib_light_infinite" ( "color" 0 0 1, "shadow" off ) direction 0 0 -1 end light
 instance "red-i" "red" end instance instance "blue-i" "blue" end instance
-material "m" "lit" ( "lamps" [)" + lights +
-                          "] ) end material\n" + square("wall", 0.0f, "m"),
+material "m" "lit" ( "lamps" [)" +
+                          lights + "] ) end material\n" + square("wall", 0.0f, "m"),
                       "\"wall-i\" \"red-i\" \"blue-i\"");
     };
     expectColor(picture("\"red-i\""), 1, 0, 0);

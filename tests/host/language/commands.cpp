@@ -114,12 +114,14 @@ TEST(Command, WhatComesTooLateIsPointedOut)
     EXPECT_EQ(errorOf("instance \"i\" \"o\" end instance\ninstance \"j\" \"o\" end instance\n"
                       "object \"o\" group end group end object"),
               "1:14: there is no element \"o\"; it comes at scene:3:8, but must be defined above its use");
-    EXPECT_EQ(errorOf("shader \"a\" \"leaf\" ( )\ndeclare shader color \"leaf\" ( scalar \"a\" ) end declare"),
-              "1:12: the shader \"leaf\" is not declared; it comes at scene:2:22, but must be defined above its "
-              "use");
-    EXPECT_EQ(errorOf("shader \"a\" \"leaf\" ( )\nmaterial \"leaf\""),
-              "1:12: the shader \"leaf\" is not declared; it comes at scene:2:10, but must be defined above its "
-              "use");
+    EXPECT_EQ(
+        errorOf("shader \"a\" \"leaf\" ( )\ndeclare shader color \"leaf\" ( scalar \"a\" ) end declare"),
+        "1:12: the shader \"leaf\" is not declared; it comes at scene:2:22, but must be defined above its "
+        "use");
+    EXPECT_EQ(
+        errorOf("shader \"a\" \"leaf\" ( )\nmaterial \"leaf\""),
+        "1:12: the shader \"leaf\" is not declared; it comes at scene:2:10, but must be defined above its "
+        "use");
     EXPECT_EQ(errorOf("delete \"a\"\ninstance \"i\" material \"a\" end instance"),
               "1:8: there is no element \"a\"")
         << "an instance's material is a use";
@@ -196,8 +198,7 @@ TEST(Command, LinkLoadsALibrary)
 
 TEST(Command, UnsupportedOnesSaySo)
 {
-    for (const std::string word :
-         {"code", "call", "root", "frame", "data", "lightprofile", "spectrum"})
+    for (const std::string word : {"code", "call", "root", "frame", "data", "lightprofile", "spectrum"})
         EXPECT_EQ(errorOf("\n  " + word + " \"x\""), "2:3: \"" + word + "\" is not supported");
 }
 

@@ -17,9 +17,11 @@ miTag sourceOf(Scene& scene, const std::string& shader)
 
 TEST(Namespace, GoesBeforeTheNamesOfWhatIsDefinedInside)
 {
-    Scene scene(leaf + "namespace \"n\" shader \"a\" \"leaf\" ( ) material \"m\" = \"a\" end material\n"
-                       "namespace \"deep\" camera \"c\" end camera end namespace light \"l\" end light end namespace\n"
-                       "light \"out\" end light");
+    Scene scene(
+        leaf +
+        "namespace \"n\" shader \"a\" \"leaf\" ( ) material \"m\" = \"a\" end material\n"
+        "namespace \"deep\" camera \"c\" end camera end namespace light \"l\" end light end namespace\n"
+        "light \"out\" end light");
     for (const char* const name : {"n::a", "n::m", "n::deep::c", "n::l", "out"})
         EXPECT_NE(scene.session.database.lookup(name), miNULLTAG) << name;
     for (const char* const name : {"a", "n::out", "deep::c", "c"})
@@ -82,7 +84,8 @@ TEST(Namespace, HasOneEndAndAName)
     EXPECT_EQ(errorOf("namespace \"n\" camera \"c\" end camera"),
               "1:36: found the end of the text, expected a command or the end of the namespace");
     EXPECT_EQ(errorOf("end namespace"), "1:1: found the end of the namespace, expected a command");
-    EXPECT_EQ(errorOf("namespace \"\" end namespace"), "1:11: a namespace needs a name without colons, found \"\"");
+    EXPECT_EQ(errorOf("namespace \"\" end namespace"),
+              "1:11: a namespace needs a name without colons, found \"\"");
     EXPECT_EQ(errorOf("namespace \"a::b\" end namespace"),
               "1:11: a namespace needs a name without colons, found \"a::b\"");
     EXPECT_EQ(errorOf("namespace \"n\" declare data \"d\" ( ) end namespace"), "accepted")

@@ -15,17 +15,20 @@ declare color "all" ( color "c", vector "v", scalar "s", integer "n", boolean "b
 )";
 
 /// A phenomenon "p" with these parameters and this body, its result a colour.
-std::string phenomenon(const std::string& parameters, const std::string& body, const std::string& result = "color")
+std::string phenomenon(const std::string& parameters, const std::string& body,
+                       const std::string& result = "color")
 {
     return "declare phenomenon " + result + " \"p\" ( " + parameters + " )\n" + body + "\nend declare\n";
 }
 
-const std::string wood = phenomenon("color \"tint\" default 1 2 3 4, scalar \"scale\" default 7",
-                                    "shader \"pattern\" \"leaf\" ( \"s\" = interface \"scale\" )\n"
-                                    "shader \"mixed\" \"leaf\" ( \"c\" = \"pattern\", \"s\" 5 )\n"
-                                    "root = \"mixed\" version 3 apply material, texture shadow on object space");
+const std::string wood =
+    phenomenon("color \"tint\" default 1 2 3 4, scalar \"scale\" default 7",
+               "shader \"pattern\" \"leaf\" ( \"s\" = interface \"scale\" )\n"
+               "shader \"mixed\" \"leaf\" ( \"c\" = \"pattern\", \"s\" 5 )\n"
+               "root = \"mixed\" version 3 apply material, texture shadow on object space");
 
-std::string errorIn(const std::string& body, const std::string& parameters = "color \"tint\", scalar \"scale\"",
+std::string errorIn(const std::string& body,
+                    const std::string& parameters = "color \"tint\", scalar \"scale\"",
                     const std::string& result = "color")
 {
     return errorOf(shaders + phenomenon(parameters, body, result));
@@ -87,7 +90,8 @@ TEST(Phenomenon, AnInterfaceParameterIsConnectedInTheNetwork)
 TEST(Phenomenon, WhatADefinitionConnectsDrivesTheNetwork)
 {
     Scene scene(shaders + wood +
-                "declare struct { scalar \"x\", scalar \"y\" } \"pair\" ( scalar \"s\" ) shader \"two\" \"pair\" ( )\n"
+                "declare struct { scalar \"x\", scalar \"y\" } \"pair\" ( scalar \"s\" ) shader \"two\" "
+                "\"pair\" ( )\n"
                 "shader \"one\" \"number\" ( ) shader \"oak\" \"p\" ( \"scale\" = \"one\" )"
                 " shader \"ash\" \"p\" ( \"scale\" = \"two.y\" )");
     const host::Connection whole = followed(scene, "oak::pattern");
@@ -108,14 +112,16 @@ TEST(Phenomenon, InterfaceTakesEveryFormOfParameter)
 {
     Scene scene(
         shaders +
-        phenomenon("color \"c\", struct \"st\" { scalar \"a\", color \"b\" }, array color \"cs\", string \"t\", integer \"n\","
+        phenomenon("color \"c\", struct \"st\" { scalar \"a\", color \"b\" }, array color \"cs\", string "
+                   "\"t\", integer \"n\","
                    " scalar \"dotted.name\", array struct \"as\" { scalar \"x\" }",
                    R"(shader "in" "all" ( "c" = interface "c", "s" = interface "st.a", "st" = interface "st",
     "cs" = interface "cs", "ss" = interface "cs", "t" = interface "t", "b" = interface "n", "v" = interface "st.b" )
 shader "rest" "all" ( "s" = interface "dotted.name", "cs" [ 1 1 1, = interface "c" ] )
 shader "plain" "all" ( "s" = interface "c" )
 root = "in")") +
-        "shader \"x\" \"p\" ( \"c\" 1 2 3 4, \"st\" { \"a\" 5, \"b\" 6 7 8 9 }, \"cs\" [ 10 0 0, 20 0 0 ], \"n\" 1, "
+        "shader \"x\" \"p\" ( \"c\" 1 2 3 4, \"st\" { \"a\" 5, \"b\" 6 7 8 9 }, \"cs\" [ 10 0 0, 20 0 0 ], "
+        "\"n\" 1, "
         "\"t\" \"text\", \"dotted.name\" 30 )");
     auto& in = scene.get<host::Function>("x::in");
     in.findSources();
@@ -160,14 +166,16 @@ TEST(Phenomenon, InterfaceIsChecked)
               "7:5: parameter \"n\" of shader \"all\": \"tint\" gives color, which cannot drive integer");
     EXPECT_EQ(refusal("\"c\" = interface \"many\""),
               "7:5: parameter \"c\" of shader \"all\": \"many\" gives array color, which cannot drive color");
-    EXPECT_EQ(refusal("\"cs\" = interface \"tint\""),
-              "7:6: parameter \"cs\" of shader \"all\": \"tint\" gives color, which cannot drive array color");
+    EXPECT_EQ(
+        refusal("\"cs\" = interface \"tint\""),
+        "7:6: parameter \"cs\" of shader \"all\": \"tint\" gives color, which cannot drive array color");
     EXPECT_EQ(refusal("\"st\" = interface \"tint\""),
               "7:6: parameter \"st\" of shader \"all\": \"tint\" gives color, which cannot drive struct");
     EXPECT_EQ(refusal("\"cs\" = interface \"many\""), "accepted");
-    EXPECT_EQ(errorOf(shaders + "shader \"a\" \"leaf\" ( \"s\" = interface \"x\" )"),
-              "5:25: parameter \"s\" of shader \"leaf\": \"interface\" stands for a phenomenon's parameter and is "
-              "known inside of one only");
+    EXPECT_EQ(
+        errorOf(shaders + "shader \"a\" \"leaf\" ( \"s\" = interface \"x\" )"),
+        "5:25: parameter \"s\" of shader \"leaf\": \"interface\" stands for a phenomenon's parameter and is "
+        "known inside of one only");
 }
 
 TEST(Phenomenon, MistakesOfABodyAreFoundWhereItIsDeclared)
@@ -186,6 +194,10 @@ TEST(Phenomenon, MistakesOfABodyAreFoundWhereItIsDeclared)
               "5:26: phenomenon \"p\" is declared to give color, but its root is a material");
     EXPECT_EQ(errorIn("root \"leaf\" ( ) end camera"),
               "6:17: found the keyword \"end\", expected a phenomenon statement, a name or \"=\"");
+    EXPECT_EQ(errorIn("shader \"::a\" \"leaf\" ( ) root = \"a\""),
+              "6:8: what a phenomenon defines is its own: \"::a\"");
+    EXPECT_EQ(errorIn("shader \"a\" \"leaf\" ( ) shader \"::b\" = \"a\" root = \"a\""),
+              "6:31: what a phenomenon defines is its own: \"::b\"");
     EXPECT_EQ(errorIn("output \"leaf\" ( )"), "6:1: \"output\" is not supported");
     EXPECT_EQ(errorOf("declare phenomenon \"p\" ( ) root"),
               "1:32: found the end of the text, expected \"end declare\"");
@@ -196,7 +208,8 @@ TEST(Phenomenon, MistakesOfABodyAreFoundWhereItIsDeclared)
 TEST(Phenomenon, NothingOfAFailedDeclarationStays)
 {
     Scene scene(shaders);
-    EXPECT_NE(scene.errorOf(phenomenon("", "light \"l\" end light shader \"a\" \"leaf\" ( ) root = \"b\"")), "accepted");
+    EXPECT_NE(scene.errorOf(phenomenon("", "light \"l\" end light shader \"a\" \"leaf\" ( ) root = \"b\"")),
+              "accepted");
     EXPECT_FALSE(scene.session.declarations.find("p"));
     for (miTag tag = 1; tag <= scene.session.database.last(); ++tag)
         EXPECT_FALSE(scene.session.database.find(tag));
@@ -204,16 +217,19 @@ TEST(Phenomenon, NothingOfAFailedDeclarationStays)
 
 TEST(Phenomenon, NamesOfTheSceneAreSeenFromInside)
 {
-    Scene scene(shaders + "shader \"shared\" \"leaf\" ( ) shader \"own\" \"leaf\" ( )\n" +
-                phenomenon("", "shader \"own\" \"leaf\" ( ) shader \"a\" \"leaf\" ( \"c\" = \"shared\" )"
-                               " shader \"b\" \"leaf\" ( \"c\" = \"own\" ) shader \"d\" \"leaf\" ( \"c\" = \"::own\" )"
-                               " root = \"b\"") +
-                "namespace \"n\" shader \"shared\" \"leaf\" ( ) shader \"x\" \"p\" ( ) end namespace");
+    Scene scene(
+        shaders + "shader \"shared\" \"leaf\" ( ) shader \"own\" \"leaf\" ( )\n" +
+        phenomenon("",
+                   "shader \"own\" \"leaf\" ( ) shader \"a\" \"leaf\" ( \"c\" = \"shared\" )"
+                   " shader \"b\" \"leaf\" ( \"c\" = \"own\" ) shader \"d\" \"leaf\" ( \"c\" = \"::own\" )"
+                   " root = \"b\"") +
+        "namespace \"n\" shader \"shared\" \"leaf\" ( ) shader \"x\" \"p\" ( ) end namespace");
     const auto tag = [&](const char* name) { return scene.session.database.lookup(name); };
     const auto source = [&](const char* name) {
         return scene.get<host::Function>(name).connections().at(0).sourceTag;
     };
-    EXPECT_EQ(source("n::x::a"), tag("shared")) << "names mean what they mean where the phenomenon is declared";
+    EXPECT_EQ(source("n::x::a"), tag("shared"))
+        << "names mean what they mean where the phenomenon is declared";
     EXPECT_EQ(source("n::x::b"), tag("n::x::own"));
     EXPECT_EQ(source("n::x::d"), tag("own"));
 }
@@ -223,16 +239,21 @@ TEST(Phenomenon, ADeclarationInANamespaceSeesIt)
     Scene scene(shaders + "namespace \"n\" shader \"a\" \"leaf\" ( )\n" +
                 phenomenon("", "root \"leaf\" ( \"c\" = \"a\" )") + "end namespace shader \"x\" \"p\" ( )");
     const auto& x = scene.get<host::Function>("x");
-    EXPECT_EQ(scene.session.database.findAs<host::Function>(x.expansion->roots.at(0))->connections().at(0).sourceTag,
+    EXPECT_EQ(scene.session.database.findAs<host::Function>(x.expansion->roots.at(0))
+                  ->connections()
+                  .at(0)
+                  .sourceTag,
               scene.session.database.lookup("n::a"));
 }
 
 TEST(Phenomenon, PhenomenaMayUsePhenomena)
 {
-    Scene scene(shaders + wood +
-                "declare phenomenon color \"outer\" ( scalar \"q\" )\n"
-                "shader \"w\" \"p\" ( \"scale\" = interface \"q\" ) root \"leaf\" ( \"c\" = \"w\" ) end declare\n"
-                "shader \"one\" \"number\" ( ) shader \"x\" \"outer\" ( \"q\" 11 ) shader \"y\" \"outer\" ( \"q\" = \"one\" )");
+    Scene scene(
+        shaders + wood +
+        "declare phenomenon color \"outer\" ( scalar \"q\" )\n"
+        "shader \"w\" \"p\" ( \"scale\" = interface \"q\" ) root \"leaf\" ( \"c\" = \"w\" ) end declare\n"
+        "shader \"one\" \"number\" ( ) shader \"x\" \"outer\" ( \"q\" 11 ) shader \"y\" \"outer\" ( \"q\" = "
+        "\"one\" )");
     EXPECT_EQ(valueAt(followed(scene, "x::w::pattern")), 11.0f);
     EXPECT_EQ(followed(scene, "y::w::pattern").source, &scene.get<host::Function>("one"));
     EXPECT_EQ(scene.get<host::Function>("x").expansion->members.size(), 2u);
@@ -240,15 +261,17 @@ TEST(Phenomenon, PhenomenaMayUsePhenomena)
 
 TEST(Phenomenon, MayGiveAMaterial)
 {
-    Scene scene(shaders +
-                phenomenon("color \"c\"",
-                           "material \"m\" opaque \"leaf\" ( \"c\" = interface \"c\" ) shadow \"leaf\" ( ) end material\n"
-                           "root material \"m\"",
-                           "material") +
-                "shader \"red\" \"p\" ( \"c\" 1 0 0 ) shader \"user\" \"all\" ( \"m\" \"red\" )\n"
-                "object \"o\" group 0 0 0 1 0 0 0 1 0 v 0 v 1 v 2 c \"red\" 0 1 2 end group end object\n"
-                "instance \"i\" \"o\" material [\"red\"] end instance\n"
-                "material \"named\" = \"red\" end material material \"made\" \"p\" ( ) end material");
+    Scene scene(
+        shaders +
+        phenomenon(
+            "color \"c\"",
+            "material \"m\" opaque \"leaf\" ( \"c\" = interface \"c\" ) shadow \"leaf\" ( ) end material\n"
+            "root material \"m\"",
+            "material") +
+        "shader \"red\" \"p\" ( \"c\" 1 0 0 ) shader \"user\" \"all\" ( \"m\" \"red\" )\n"
+        "object \"o\" group 0 0 0 1 0 0 0 1 0 v 0 v 1 v 2 c \"red\" 0 1 2 end group end object\n"
+        "instance \"i\" \"o\" material [\"red\"] end instance\n"
+        "material \"named\" = \"red\" end material material \"made\" \"p\" ( ) end material");
     const miTag m = scene.session.database.lookup("red::m");
     EXPECT_EQ(scene.parameter<miTag>("user", "m"), m);
     EXPECT_EQ(scene.get<host::Object>("o").polygons.at(0).material, m);
@@ -264,10 +287,12 @@ TEST(Phenomenon, MayGiveAMaterial)
 
 TEST(Phenomenon, MayGiveALight)
 {
-    Scene scene(shaders +
-                phenomenon("color \"c\"", "light \"l\" \"leaf\" ( \"c\" = interface \"c\" ) origin 1 2 3 end light root light \"l\"",
-                           "light") +
-                "shader \"lamp\" \"p\" ( ) instance \"i\" \"lamp\" end instance");
+    Scene scene(
+        shaders +
+        phenomenon("color \"c\"",
+                   "light \"l\" \"leaf\" ( \"c\" = interface \"c\" ) origin 1 2 3 end light root light \"l\"",
+                   "light") +
+        "shader \"lamp\" \"p\" ( ) instance \"i\" \"lamp\" end instance");
     EXPECT_EQ(scene.get<host::Instance>("i").record.item, scene.session.database.lookup("lamp::l"));
     EXPECT_EQ(scene.errorOf("\nmaterial \"m\" = \"lamp\" end material"),
               "2:16: shader \"lamp\" (p) gives a light, it cannot be called as a shader");
@@ -275,11 +300,13 @@ TEST(Phenomenon, MayGiveALight)
 
 TEST(Phenomenon, ExtraRootsAreKeptWithTheirPriority)
 {
-    Scene scene(shaders +
-                phenomenon("", "root \"leaf\" ( ) lens \"leaf\" ( ) \"leaf\" ( ) priority 4 environment \"leaf\" ( )\n"
-                               "volume \"leaf\" ( ) priority -1 geometry \"leaf\" ( )\n"
-                               "contour store \"leaf\" ( ) priority 2 contour contrast \"leaf\" ( )") +
-                "shader \"x\" \"p\" ( )");
+    Scene scene(
+        shaders +
+        phenomenon("",
+                   "root \"leaf\" ( ) lens \"leaf\" ( ) \"leaf\" ( ) priority 4 environment \"leaf\" ( )\n"
+                   "volume \"leaf\" ( ) priority -1 geometry \"leaf\" ( )\n"
+                   "contour store \"leaf\" ( ) priority 2 contour contrast \"leaf\" ( )") +
+        "shader \"x\" \"p\" ( )");
     const std::vector<host::ExtraRoot>& extra = scene.get<host::Function>("x").expansion->extra;
     ASSERT_EQ(extra.size(), 4u);
     EXPECT_EQ(extra[0].kind, host::ExtraRoot::Kind::lens);
@@ -296,17 +323,20 @@ TEST(Phenomenon, ExtraRootsAreKeptWithTheirPriority)
 
 TEST(Phenomenon, TheBodyMayHoldElementsOfAllKinds)
 {
-    Scene scene(shaders +
-                phenomenon("", "light \"l\" end light instance \"li\" \"l\" end instance color texture \"t\" \"f\"\n"
-                               "instgroup \"g\" \"li\" end instgroup material \"m\" end material root \"leaf\" ( )") +
-                "shader \"x\" \"p\" ( )");
+    Scene scene(
+        shaders +
+        phenomenon("", "light \"l\" end light instance \"li\" \"l\" end instance color texture \"t\" \"f\"\n"
+                       "instgroup \"g\" \"li\" end instgroup material \"m\" end material root \"leaf\" ( )") +
+        "shader \"x\" \"p\" ( )");
     for (const char* const name : {"x::l", "x::li", "x::t", "x::g", "x::m"})
         EXPECT_NE(scene.session.database.lookup(name), miNULLTAG) << name;
 }
 
 TEST(Phenomenon, AChangeKeepsTheTagsOfTheNetwork)
 {
-    Scene scene(shaders + wood + "shader \"oak\" \"p\" ( \"scale\" 2, \"tint\" 8 8 8 ) shader \"user\" \"leaf\" ( \"c\" = \"oak\" )");
+    Scene scene(
+        shaders + wood +
+        "shader \"oak\" \"p\" ( \"scale\" 2, \"tint\" 8 8 8 ) shader \"user\" \"leaf\" ( \"c\" = \"oak\" )");
     const miTag oak = scene.session.database.lookup("oak");
     const miTag pattern = scene.session.database.lookup("oak::pattern");
     scene.read("incremental shader \"oak\" \"p\" ( \"scale\" 3 )");
@@ -342,17 +372,19 @@ TEST(Phenomenon, TheSameDeclarationAgainIsSilent)
     std::string other = wood;
     other.replace(other.find("\"s\" 5"), 5, "\"s\" 6");
     EXPECT_EQ(scene.errorOf("\n" + other), "2:26: shader \"p\" is declared differently at scene:5:26");
-    EXPECT_EQ(scene.errorOf("declare color \"p\" ( color \"tint\" default 1 2 3 4, scalar \"scale\" default 7 )"),
-              "1:15: shader \"p\" is declared differently at scene:5:26");
+    EXPECT_EQ(
+        scene.errorOf("declare color \"p\" ( color \"tint\" default 1 2 3 4, scalar \"scale\" default 7 )"),
+        "1:15: shader \"p\" is declared differently at scene:5:26");
 }
 
 TEST(Phenomenon, NestingAndSizeAreLimited)
 {
     std::string text = shaders + "declare phenomenon color \"p0\" ( ) root \"leaf\" ( ) end declare\n";
     for (int i = 1; i < 66; ++i)
-        text += "declare phenomenon color \"p" + std::to_string(i) + "\" ( ) root \"p" + std::to_string(i - 1) +
-                "\" ( ) end declare\n";
-    EXPECT_NE(errorOf(text).find("phenomena are nested deeper than 64 levels"), std::string::npos) << errorOf(text);
+        text += "declare phenomenon color \"p" + std::to_string(i) + "\" ( ) root \"p" +
+                std::to_string(i - 1) + "\" ( ) end declare\n";
+    EXPECT_NE(errorOf(text).find("phenomena are nested deeper than 64 levels"), std::string::npos)
+        << errorOf(text);
     text = shaders + "declare phenomenon color \"p0\" ( ) root \"leaf\" ( ) end declare\n";
     for (int i = 1; i < 40; ++i) {
         const std::string use = " \"p" + std::to_string(i - 1) + "\" ( )";
@@ -360,6 +392,33 @@ TEST(Phenomenon, NestingAndSizeAreLimited)
                 " end declare\n";
     }
     EXPECT_NE(errorOf(text).find("all definitions of phenomena together take more than"), std::string::npos);
+}
+
+TEST(Phenomenon, ArraysCountForEachOfTheirUses)
+{
+    const auto text = [](int uses) {
+        std::string body, many = "1";
+        for (int i = 0; i < uses; ++i)
+            body += "shader \"s" + std::to_string(i) + "\" \"all\" ( \"cs\" = interface \"cs\" ) ";
+        for (int i = 1; i < 3000; ++i)
+            many += ", 1";
+        return shaders + phenomenon("array color \"cs\"", body + "root = \"s0\"") +
+               "shader \"x\" \"p\" ( \"cs\" [ " + many + " ] )";
+    };
+    EXPECT_EQ(errorOf(text(3)), "accepted");
+    EXPECT_NE(errorOf(text(400)).find("all definitions of phenomena together take more than"),
+              std::string::npos);
+}
+
+TEST(Phenomenon, AListWithADeletedShaderIsNoNetwork)
+{
+    EXPECT_EQ(errorOf(shaders +
+                      "shader \"a\" \"leaf\" ( ) shader \"l\" = \"a\" = \"a\" delete \"a\" material \"m\" = "
+                      "\"l\" end material"),
+              "accepted");
+    EXPECT_EQ(errorOf(shaders + "shader \"a\" \"leaf\" ( ) shader \"l\" = \"a\" = \"a\" delete \"a\"\n" +
+                      phenomenon("", "root = \"l\"")),
+              "6:26: phenomenon \"p\" has a root that was deleted");
 }
 
 TEST(Phenomenon, OneThatLeadsIntoItselfIsToldOf)
@@ -370,10 +429,12 @@ TEST(Phenomenon, OneThatLeadsIntoItselfIsToldOf)
         scene.get<host::Function>("user").findSources();
         FAIL();
     } catch (const host::Error& error) {
-        EXPECT_NE(std::string(error.what()).find("is a phenomenon that leads into itself"), std::string::npos);
+        EXPECT_NE(std::string(error.what()).find("is a phenomenon that leads into itself"),
+                  std::string::npos);
     }
     const host::ShaderList list = {scene.session.database.lookup("g")};
-    EXPECT_THROW(host::functionsOf(scene.session.database, list, scene.get<host::Function>("user")), host::Error);
+    EXPECT_THROW(host::functionsOf(scene.session.database, list, scene.get<host::Function>("user")),
+                 host::Error);
 }
 
 } // namespace test

@@ -7,8 +7,9 @@ namespace test {
 
 TEST(Registry, AnEntryHoldsAValueAndActionsInOrder)
 {
-    Scene scene("registry \"{A}\" value \"one\" link \"l\" mi \"m\" value \"two\" echo \"e\" system \"s\" code \"c\" "
-                "spdl \"p\" \"any\" \"thing\" end registry");
+    Scene scene(
+        "registry \"{A}\" value \"one\" link \"l\" mi \"m\" value \"two\" echo \"e\" system \"s\" code \"c\" "
+        "spdl \"p\" \"any\" \"thing\" end registry");
     const host::Registry::Entry* const entry = scene.session.registry.find("{A}");
     ASSERT_TRUE(entry);
     EXPECT_EQ(entry->value, "two") << "a second value overwrites the first";
@@ -30,11 +31,13 @@ TEST(Registry, AnEntryHoldsAValueAndActionsInOrder)
 
 TEST(Registry, ValuesReplaceTheirKeysInFileNames)
 {
-    Scene scene("registry \"{SITE}\" value \"/site\" end registry registry \"{MR}\" value \"{SITE}/mr\" end registry\n"
-                "registry \"BARE\" value \"b\" end registry\n"
-                "color texture \"t\" \"{MR}/{BARE}/x.tif\" color texture \"u\" \"{NONE}/{{SITE}/{MR\"\n"
-                "camera \"c\" output \"tif\" \"{MR}/out.tif\" framebuffer \"f\" filename \"{BARE}.exr\" end camera\n"
-                "declare color \"s\" ( string \"p\" ) shader \"p\" \"s\" ( \"p\" \"{MR}\" )");
+    Scene scene(
+        "registry \"{SITE}\" value \"/site\" end registry registry \"{MR}\" value \"{SITE}/mr\" end "
+        "registry\n"
+        "registry \"BARE\" value \"b\" end registry\n"
+        "color texture \"t\" \"{MR}/{BARE}/x.tif\" color texture \"u\" \"{NONE}/{{SITE}/{MR\"\n"
+        "camera \"c\" output \"tif\" \"{MR}/out.tif\" framebuffer \"f\" filename \"{BARE}.exr\" end camera\n"
+        "declare color \"s\" ( string \"p\" ) shader \"p\" \"s\" ( \"p\" \"{MR}\" )");
     EXPECT_EQ(scene.get<host::Texture>("t").file, "/site/mr/b/x.tif");
     EXPECT_EQ(scene.get<host::Texture>("u").file, "{NONE}/{/site/{MR") << "what is no key stays";
     EXPECT_EQ(scene.get<host::Camera>("c").outputs.at(0).file, "/site/mr/out.tif");
@@ -44,9 +47,10 @@ TEST(Registry, ValuesReplaceTheirKeysInFileNames)
 
 TEST(Registry, EntriesThatLeadInCirclesAreToldOf)
 {
-    EXPECT_EQ(errorOf("registry \"{A}\" value \"{B}\" end registry registry \"{B}\" value \"x{A}\" end registry\n"
-                      "color texture \"t\" \"{A}\""),
-              "2:19: registry entries lead to one another without end: \"{A}\"");
+    EXPECT_EQ(
+        errorOf("registry \"{A}\" value \"{B}\" end registry registry \"{B}\" value \"x{A}\" end registry\n"
+                "color texture \"t\" \"{A}\""),
+        "2:19: registry entries lead to one another without end: \"{A}\"");
     std::string doubling;
     for (char c = 'A'; c < 'Z'; ++c)
         doubling += std::string("registry \"{") + c + "}\" value \"{" + char(c + 1) + "}{" + char(c + 1) +
@@ -60,7 +64,8 @@ TEST(Registry, EntriesThatLeadInCirclesAreToldOf)
 
 TEST(Registry, ConditionalsSeeKeys)
 {
-    Scene scene("registry \"{A}\" end registry\n$ifdef \"{A}\"\nset \"yes\"\n$endif\n$ifndef \"{A}\"\nset \"no\"\n$endif");
+    Scene scene("registry \"{A}\" end registry\n$ifdef \"{A}\"\nset \"yes\"\n$endif\n$ifndef \"{A}\"\nset "
+                "\"no\"\n$endif");
     EXPECT_TRUE(scene.session.variables.contains("yes"));
     EXPECT_FALSE(scene.session.variables.contains("no"));
 }
@@ -71,9 +76,10 @@ TEST(Registry, ALookUpReadsItsScenesInOrder)
     folder.write("a.mi", "set \"order\" \"a\"\n$ifdef \"b read\"\nset \"wrong\"\n$endif\n");
     folder.write("b.mi", "set \"b read\" set \"order\" \"b\"");
     Scene scene;
-    scene.read("registry \"{IN}\" value \"" + folder.path() +
-               "\" end registry registry \"{SITE}\" mi \"{IN}/a.mi\" echo \"hello\" mi \"{IN}/b\" end registry\n"
-               "$lookup \"{SITE}\"\nset \"last\" ");
+    scene.read(
+        "registry \"{IN}\" value \"" + folder.path() +
+        "\" end registry registry \"{SITE}\" mi \"{IN}/a.mi\" echo \"hello\" mi \"{IN}/b\" end registry\n"
+        "$lookup \"{SITE}\"\nset \"last\" ");
     EXPECT_EQ(scene.session.variables["order"], "b");
     EXPECT_FALSE(scene.session.variables.contains("wrong"));
     EXPECT_TRUE(scene.session.variables.contains("last"));
@@ -88,7 +94,8 @@ TEST(Registry, ALookUpSaysWhatItDoesNotDo)
               "2:9: registry entry \"x\" wants \"code\" compiled, which is not supported");
     Scene scene("registry \"x\" system \"rm\" spdl \"f\" end registry\n$lookup \"x\"\n");
     EXPECT_EQ(scene.messages.lines().size(), 1u);
-    EXPECT_EQ(scene.messages.count("scene:2:9: the command \"system\" of registry entry \"x\" is ignored"), 1);
+    EXPECT_EQ(scene.messages.count("scene:2:9: the command \"system\" of registry entry \"x\" is ignored"),
+              1);
     scene.session.linkLibraries = true;
     EXPECT_NE(scene.errorOf("registry \"y\" link \"no such.so\" end registry\n$lookup \"y\"")
                   .find("2:9: library \"no such.so\" cannot be linked"),
@@ -116,15 +123,17 @@ TEST(Registry, WellKnownKeysAreTheLastFoldersOfTheSearchPaths)
     EXPECT_EQ(scene.session.paths.include, std::vector<std::string>{"/i"});
     EXPECT_EQ(scene.session.paths.texture, std::vector<std::string>{"/t"});
     scene.read("registry \"{_MI_REG_LIBRARY}\" value \"/d\" end registry");
-    EXPECT_EQ(scene.session.paths.library, (std::vector<std::string>{"/first", "/d"})) << "in place of the former";
+    EXPECT_EQ(scene.session.paths.library, (std::vector<std::string>{"/first", "/d"}))
+        << "in place of the former";
 }
 
 TEST(Registry, AFileThatIsNowhereIsToldWithTheFoldersLookedAt)
 {
     Scene scene;
     scene.session.paths.include = {"/one", "/two", "/one"};
-    EXPECT_EQ(scene.errorOf("$include \"gone.mi\""), "1:10: cannot find the file \"gone.mi\" to include; looked in "
-                                                     "\".\", \"/one\", \"/two\"");
+    EXPECT_EQ(scene.errorOf("$include \"gone.mi\""),
+              "1:10: cannot find the file \"gone.mi\" to include; looked in "
+              "\".\", \"/one\", \"/two\"");
     EXPECT_EQ(scene.errorOf("$include \"/gone.mi\""), "1:10: cannot find the file \"/gone.mi\" to include");
 }
 

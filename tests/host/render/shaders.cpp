@@ -19,7 +19,8 @@ __attribute__((visibility("default"))) miBoolean hook(void* result, miState* sta
 __attribute__((visibility("default"))) int argued_version() { return 1; }
 
 // The coordinate that it is called with as a colour; true in the left half.
-__attribute__((visibility("default"))) miBoolean argued(miColor* result, miState*, void*, const miVector* coord)
+__attribute__((visibility("default"))) miBoolean argued(miColor* result, miState*, void*,
+                                                        const miVector* coord)
 {
     *result = {coord->x, coord->y, coord->z, 1.0f};
     return coord->x < 0.5f;

@@ -321,14 +321,14 @@ TEST(Texture, AProceduralOneThatNoParameterNamesIsNone)
     Scene scene;
     makeProcedural(scene);
     const miTag texture = scene.session.database.lookup("tex");
-    scene.place(scene.square(1), {0, 0, -1}).materials = {scene
-                                                              .material([&](miColor& result, miState& state) {
-                                                                  miVector coord = {0.25f, 0, 0};
-                                                                  EXPECT_FALSE(mi_lookup_color_texture(
-                                                                      &result, &state, texture, &coord));
-                                                                  return miTRUE;
-                                                              })
-                                                              .tag};
+    scene.place(scene.square(1), {0, 0, -1}).materials = {
+        scene
+            .material([&](miColor& result, miState& state) {
+                miVector coord = {0.25f, 0, 0};
+                EXPECT_FALSE(mi_lookup_color_texture(&result, &state, texture, &coord));
+                return miTRUE;
+            })
+            .tag};
     expectColor(scene.look(), 0, 0, 0, 0);
 }
 
@@ -346,7 +346,8 @@ TEST(Texture, AShaderThatLooksItselfUpIsStopped)
     auto& material = scene.session.database.make<host::Material>();
     material.shader = {shader.tag};
     scene.place(scene.square(1), {0, 0, -1}).materials = {material.tag};
-    EXPECT_NE(errorOf([&] { scene.look(); }).find("shaders call one another more than 1024 deep"), std::string::npos);
+    EXPECT_NE(errorOf([&] { scene.look(); }).find("shaders call one another more than 1024 deep"),
+              std::string::npos);
 }
 
 TEST(Texture, OneThatNoParameterNamesIsLoadedWhenItIsUsed)

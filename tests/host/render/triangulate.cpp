@@ -206,7 +206,8 @@ TEST(Triangulate, HolesThatShareEdgesWithTheOutlineOrOneAnother)
 
 TEST(Triangulate, RandomHolesOnALattice)
 {
-    // Squares of a lattice that share edges and corners in every way, in planes where coordinates are rounded.
+    // Squares of a lattice that share edges and corners in every way, in planes where coordinates are
+    // rounded.
     std::mt19937 random(3);
     const miVector u = {0.6f, 0, 0.8f}, v = {-0.8f * 0.6f, 0.8f, 0.6f * 0.6f};
     const miVector normal = {u.y * v.z - u.z * v.y, u.z * v.x - u.x * v.z, u.x * v.y - u.y * v.x};
