@@ -195,9 +195,9 @@ TEST(Phenomenon, MistakesOfABodyAreFoundWhereItIsDeclared)
     EXPECT_EQ(errorIn("root \"leaf\" ( ) end camera"),
               "6:17: found the keyword \"end\", expected a phenomenon statement, a name or \"=\"");
     EXPECT_EQ(errorIn("shader \"::a\" \"leaf\" ( ) root = \"a\""),
-              "6:8: what a phenomenon defines is its own: \"::a\"");
+              "6:14: what a phenomenon defines is its own: \"::a\"");
     EXPECT_EQ(errorIn("shader \"a\" \"leaf\" ( ) shader \"::b\" = \"a\" root = \"a\""),
-              "6:31: what a phenomenon defines is its own: \"::b\"");
+              "6:30: what a phenomenon defines is its own: \"::b\"");
     EXPECT_EQ(errorIn("output \"leaf\" ( )"), "6:1: \"output\" is not supported");
     EXPECT_EQ(errorOf("declare phenomenon \"p\" ( ) root"),
               "1:32: found the end of the text, expected \"end declare\"");

@@ -30,8 +30,9 @@ void expectOutcomes(const std::vector<Row>& rows, const std::string& head, const
             EXPECT_EQ(error, "accepted") << row.text;
         const bool warns = !outcome.empty() && outcome[0] != '!';
         EXPECT_EQ(scene.messages.lines().size(), warns ? 1u : 0u) << row.text;
-        if (warns)
+        if (warns) {
             EXPECT_EQ(scene.messages.count(outcome), 1) << row.text << ": " << scene.messages.lines().at(0);
+        }
     }
 }
 
@@ -105,7 +106,7 @@ TEST(Statements, Textures)
          {"vector texture \"n\" [ 1 1 ] '000000'", ""},
          {"color texture \"n\" [ 1 1 2 ] '000000' '000000'", ""},
          {"color texture \"n\" \"s\" ( \"x\" 1 )", ""},
-         {"color texture \"n\" colorprofile \"p\" \"f\"", "the colour profile of textures is ignored"}},
+         {"color texture \"n\" colorprofile \"p\" \"f\"", "the colour profile of textures are ignored"}},
         "", "");
 }
 
@@ -159,7 +160,7 @@ TEST(Statements, Cameras)
           "colorprofile \"p\" dod on dpi 72 field \"1\" premultiplied on primary on user off useopacity off",
           ""},
          {"pass null", "!\"pass\" is not supported"},
-         {"data \"d\"", "the user data of elements is ignored"}},
+         {"data \"d\"", "the user data of elements are ignored"}},
         "camera \"n\" ", " end camera");
 }
 
@@ -186,7 +187,7 @@ TEST(Statements, Objects)
           "displace 1",
           ""},
          {"ray offset 1 box 0 0 0 1 1 1 motion box transform volume group 1 approximate parametric 1 1", ""},
-         {"data \"d\"", "the user data of elements is ignored"},
+         {"data \"d\"", "the user data of elements are ignored"},
          {"group 0 0 0 1 0 0 0 1 0 v 0 n 2 d 0 1 t 1 t 1 0 2 m 2 u 1 v 1 v 2 c \"m\" 0 1 2 p 0 1 2 hole 0 1 "
           "2 "
           "strip 0 1 2 fan \"m\" 0 1 2 cp 0 1 2 end group",
@@ -214,13 +215,13 @@ TEST(Statements, Instances)
          {"light [ \"li\" ] light \"exclusive\" [ \"li\" ] light shadow [ ] light shadow \"exclusive\" [ "
           "\"li\" ]",
           ""},
-         {"data null", "the user data of elements is ignored"},
+         {"data null", "the user data of elements are ignored"},
          {"( \"x\" 1 )", "the parameters of instances are ignored"}},
         "instance \"n\" \"o\" ", " end instance");
     expectOutcomes({{"geometry \"s\" ( )", ""}, {"geometry = \"sh\" \"s\" ( ) hide off", ""}},
                    "instance \"n\" ", " end instance");
     expectOutcomes(
-        {{"\"ci\" tag 4 \"oi\"", ""}, {"data \"d\" \"ci\"", "the user data of elements is ignored"}},
+        {{"\"ci\" tag 4 \"oi\"", ""}, {"data \"d\" \"ci\"", "the user data of elements are ignored"}},
         "instgroup \"n\" ", " end instgroup");
 }
 

@@ -178,7 +178,9 @@ TEST(Texture, MissingAndUnreadableFilesNameTheTexture)
     texture.file = "absent.png";
     host::TextureFiles files;
     EXPECT_EQ(errorOf([&] { files.open(texture, {}); }),
-              folder.path("scene.mi") + ":12:3: texture \"wood\": no file \"absent.png\"");
+              folder.path("scene.mi") +
+                  ":12:3: texture \"wood\": no file \"absent.png\"; looked in \".\", \"" + folder.path() +
+                  '"');
     folder.write("text.png", "this is no picture");
     texture.file = "text.png"; // found beside the scene
     EXPECT_NE(errorOf([&] { files.open(texture, {}); }).find("texture \"wood\": cannot read"),

@@ -65,13 +65,14 @@ double signedArea(const host::Object& object, const Triangle& t, miVector normal
                   (double(u.x) * v.y - double(u.y) * v.x) * normal.z);
 }
 
-/// Every triangle is the right way round, and together they have the polygon's area.
-void expectCovers(const host::Object& object, double area, miVector normal)
+/// Every triangle is the right way round, and together they have the polygon's area. What rounding of the
+/// points makes of a triangle without area may be `least` in the other direction.
+void expectCovers(const host::Object& object, double area, miVector normal, double least = 0.0)
 {
     double sum = 0.0;
     for (const Triangle& t : cut(object)) {
         const double one = signedArea(object, t, normal);
-        EXPECT_GT(one, 0.0);
+        EXPECT_GT(one, -least);
         sum += one;
     }
     EXPECT_NEAR(sum, area, 1e-5 * area);
@@ -228,7 +229,10 @@ TEST(Triangulate, RandomHolesOnALattice)
             fill(object, rings, flat);
         else
             fill(object, rings, [&](Point2 p) { return u * p.x + v * p.y + miVector{3.0f, -5.0f, 2.0f}; });
-        expectCovers(object, area, round % 2 == 0 ? miVector{0, 0, 1} : normal);
+        if (round % 2 == 0)
+            expectCovers(object, area, {0, 0, 1});
+        else
+            expectCovers(object, area, normal, 1e-6);
     }
 }
 
