@@ -3,6 +3,7 @@
 #pragma once
 
 #include "host/scene/database.h"
+#include "host/scene/registry.h"
 #include "host/scene/search.h"
 #include "host/shading/declaration.h"
 #include "host/shading/edits.h"
@@ -36,8 +37,13 @@ struct Session {
     Edits edits;
     SearchPaths paths;
     std::map<std::string, std::string> variables; ///< of `set`, for $ifdef
-    bool keepVerbosity = false;                   ///< the command line set it: `verbose` in scenes is ignored
-    bool linkLibraries = true;                    ///< false: `link` in scenes is read and does nothing
+    Registry registry;
+    /// How many folders at the end of each list of `paths` the registry has put there.
+    struct {
+        std::size_t include = 0, library = 0, texture = 0;
+    } registryFolders;
+    bool keepVerbosity = false; ///< the command line set it: `verbose` in scenes is ignored
+    bool linkLibraries = true;  ///< false: `link` in scenes is read and does nothing
 
     /// Called for each `render` command while reading goes on; may throw Error.
     std::function<void(const RenderCommand&)> onRender;

@@ -6,6 +6,9 @@ miBoolean mi_lookup_color_texture(miColor* const result, miState* const state, c
                                   miVector* const coord)
 {
     *result = {0.0f, 0.0f, 0.0f, 0.0f};
-    const host::TextureImage* const image = host::RenderThread::of(*state).stage.textures.image(texture);
+    const host::Textures& textures = host::RenderThread::of(*state).stage.textures;
+    if (const host::FunctionList* const procedure = textures.procedure(texture))
+        return host::callNested(*procedure, result, *state, coord);
+    const host::TextureImage* const image = textures.image(texture);
     return image && image->lookup(coord->x, coord->y, *result);
 }

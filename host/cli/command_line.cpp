@@ -478,6 +478,8 @@ void CommandLine::adjust(Options& options) const
         record.no_geometry = !*geometry;
     if (displace)
         record.no_displace = !*displace;
+    if (samples || filter || jitter || traceDepth || shutter || gamma)
+        options.where = {}; // numbers that are wrong now stand in no line of the scene
 }
 
 void CommandLine::adjust(Camera& camera) const
@@ -512,6 +514,7 @@ void CommandLine::adjust(Camera& camera) const
         if (camera.outputs.empty())
             camera.outputs.emplace_back();
         Output& output = camera.outputs.front();
+        output.where = {}; // what is wrong with it now stands in no line of the scene
         if (fileName)
             output.file = *fileName;
         const std::string format = fileType ? *fileType : formatOf(output.file);
@@ -524,11 +527,15 @@ void CommandLine::adjust(Camera& camera) const
             throw Error("no file name for the picture; use -file_name");
     }
     if (fileDir)
-        for (Output& output : camera.outputs)
+        for (Output& output : camera.outputs) {
+            output.where = {};
             output.file = (fs::path(*fileDir) / fs::path(output.file).filename()).string();
+        }
     if (camera.outputs.empty() && !probe)
         throw Error(camera.where,
                     "camera '" + camera.name + "' names no output; give it one or use -file_name");
+    if (window || aspect || aperture || focal || offset || clip)
+        camera.where = {};
 }
 
 ParsedCommandLine parseCommandLine(const std::vector<std::string>& arguments)

@@ -23,8 +23,10 @@ bool SceneCheck::ready(const Stage& stage, Network& network)
         if (objects.insert(object).second)
             polygons += object->polygons.size();
     }
-    summary_ = counted(network.functions().size(), "shader") + ", " +
-               counted(stage.surfaces.all().size(), "material") + ", " +
+    std::size_t shaders = 0; // definitions of phenomena are none themselves
+    for (const Function* const function : network.functions())
+        shaders += function->shader != nullptr;
+    summary_ = counted(shaders, "shader") + ", " + counted(stage.surfaces.all().size(), "material") + ", " +
                counted(stage.lights.all().size(), "light") + ", " + counted(objects.size(), "object") +
                " with " + counted(polygons, "polygon") + " in " +
                counted(stage.leaves.objects().size(), "place");

@@ -91,6 +91,9 @@ public:
                      parameter.connection->source->name.empty() ? std::string()
                                                                 : member(*parameter.connection));
         }
+        if (function.expansion)
+            for (const Function* const root : function.sources())
+                edge(*root, function, box.row("root", {}), {});
         boxes_ += box.finish();
         for (const Function* const called : function.callable())
             edges_ += "    " + nodeName(*called) + ":head -> " + nodeName(function) +

@@ -63,8 +63,14 @@ private:
 
     std::string ofValue(const Field& field, const std::byte* value) const
     {
-        if (const Connection* const found = connection(value))
-            return "= " + sourceText(*found);
+        // A structure shares its place with its first member, and it is the members that are connected.
+        if (const Connection* const found = field.type == Type::structure ? nullptr : connection(value)) {
+            if (found->source)
+                return "= " + sourceText(*found);
+            if (!found->value) // in a phenomenon's definition, where nothing follows connections
+                return "= " + elementText(database_, found->sourceTag);
+            value = static_cast<const std::byte*>(found->value); // of a phenomenon's parameter
+        }
         switch (field.type) {
         case Type::boolean:
             return read<int>(value) ? "on" : "off";
@@ -158,14 +164,14 @@ std::string valueText(const Database& database, const Field& field, const void* 
 std::string sourceText(const Connection& connection)
 {
     const Function& source = *connection.source;
-    const std::string member = memberAt(source.declaration().result, connection.memberOffset).path;
+    const std::string member = memberAt(source.declaration().result, connection.resultOffset).path;
     return source.name.empty() ? source.title() + member : inQuotes(source.name + member);
 }
 
 std::string deliveredText(const Database& database, const Connection& connection, const void* value)
 {
     const Field& result = connection.source->declaration().result;
-    return valueText(database, *memberAt(result, connection.memberOffset).field, value);
+    return valueText(database, *memberAt(result, connection.resultOffset).field, value);
 }
 
 std::vector<Parameter> parametersOf(const Database& database, const Function& function)
@@ -177,13 +183,13 @@ std::vector<Parameter> parametersOf(const Database& database, const Function& fu
     for (const Field& field : function.declaration().parameters) {
         const std::byte* const value = block + field.offset;
         if (const Connection* const connection = field.isArray ? nullptr : texts.connection(value);
-            connection && connection->field == field.name) {
+            connection && connection->source && connection->field == field.name) {
             parameters.push_back({field.name, {}, connection});
             continue;
         }
         parameters.push_back({field.name, texts.of(field, value), nullptr});
         for (const Connection& connection : function.connections())
-            if (liesWithin(connection.field, field.name))
+            if (connection.source && liesWithin(connection.field, field.name))
                 parameters.push_back({connection.field, {}, &connection});
     }
     return parameters;

@@ -20,7 +20,8 @@ std::string elementText(const Database& database, miTag tag);
 /// called by kind and place.
 std::string valueText(const Database& database, const Field& field, const void* value);
 
-/// What a connection hangs on: "\"name\"", "\"name.member\"", or the type and place of a shader without name.
+/// What a connection hangs on: "\"name\"", "\"name.member\"", or the type and place of a shader without name. Of
+/// one that has a source.
 std::string sourceText(const Connection& connection);
 
 /// The value that a connection has delivered, as the source made it.
@@ -30,7 +31,7 @@ std::string deliveredText(const Database& database, const Connection& connection
 struct Parameter {
     std::string name; ///< "input1", "values[2]", "layer.color"
     std::string text; ///< the literal value; what is connected within it stands as "= ..."
-    const Connection* connection = nullptr; ///< connected: then there is no text
+    const Connection* connection = nullptr; ///< connected to a shader: then there is no text
 };
 
 /// All parameters of an instance in declared order, each followed by what is connected within it. Of a long

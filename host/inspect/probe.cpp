@@ -64,7 +64,7 @@ public:
     {
         if (shown() && entry == Entry::execute) {
             for (const Connection& connection : function.connections())
-                if (!read(connection))
+                if (connection.source && !read(connection))
                     line(connection.field + " = " + sourceText(connection) + ", not read");
             line("gives " + valueText(stage_.database, function.declaration().result, result) +
                  (returned == miTRUE ? "" : ", returns " + std::to_string(int(returned))));
@@ -111,8 +111,9 @@ private:
     {
         if (entry != Entry::execute)
             return entry == Entry::shaderInit ? "init of the shader as a whole, by " : "init of ";
-        if (!calls_.empty() && calls_.back().asks && calls_.back().asks->source == &function)
-            return calls_.back().asks->field + ": ";
+        const Connection* const asks = calls_.empty() ? nullptr : calls_.back().asks;
+        if (asks && (asks->source == &function || asks->source->expansion)) // one of a phenomenon's roots
+            return asks->field + ": ";
         if (!calls_.empty() && calls_.back().state == &state)
             return "called by tag: ";
         return role(function, state) + ": ";

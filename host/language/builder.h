@@ -10,18 +10,20 @@
 #include "host/language/material.h"
 #include "host/language/object.h"
 #include "host/language/options.h"
+#include "host/language/phenomenon.h"
 #include "host/language/shaders.h"
 #include "host/language/texture.h"
 
 namespace host::language {
 
 struct Builder {
-    explicit Builder(Session& session) : context(session) {}
+    explicit Builder(Context& context) : context(context) {}
 
-    Context context;
+    Context& context;
     Commands commands{context};
     DeclarationBuilder declaration{context};
     Shaders shaders{context};
+    PhenomenonBuilder phenomenon{context, shaders};
     OptionsBuilder options{context};
     CameraBuilder camera{context, shaders};
     LightBuilder light{context, shaders};

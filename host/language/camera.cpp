@@ -93,7 +93,7 @@ void CameraBuilder::output(const Name& dataType, const Name& format, const Name&
     Output output = std::exchange(output_, {});
     output.dataType = dataType.text;
     output.format = format.text;
-    output.file = file.text;
+    output.file = expanded(file);
     output.where = dataType.text.empty() ? format.where : dataType.where;
     camera_->outputs.push_back(std::move(output));
 }

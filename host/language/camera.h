@@ -37,12 +37,16 @@ public:
     void compression(const Name& name) { output_.compression = name.text; }
     void dataType(const Name& name) { output_.dataType = name.text; }
     void fileType(const Name& name) { output_.format = name.text; }
-    void file(const Name& name) { output_.file = name.text; }
+    void file(const Name& name) { output_.file = expanded(name); }
 
     /// A buffer that goes to a file is an output.
     void framebuffer(const Name& name);
 
 private:
+    std::string expanded(const Name& file) const
+    {
+        return context_.session.registry.expand(file.text, file.where);
+    }
     void append(ShaderList& list, std::vector<ShaderUse> uses);
 
     Context& context_;

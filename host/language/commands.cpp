@@ -3,7 +3,9 @@
 
 #include "host/report/message.h"
 
+#include <algorithm>
 #include <charconv>
+#include <tuple>
 
 namespace host::language {
 
@@ -31,12 +33,58 @@ std::vector<int> parts(const Name& version)
     }
 }
 
+/// "a:b;c" as three folders.
+void addFolders(std::string_view text, std::vector<std::string>& path)
+{
+    while (!text.empty()) {
+        const std::size_t end = std::min(text.find_first_of(":;"), text.size());
+        if (end > 0)
+            path.emplace_back(text.substr(0, end));
+        text.remove_prefix(std::min(end + 1, text.size()));
+    }
+}
+
 } // namespace
 
 void Commands::link(const Name& file)
 {
     if (context_.session.linkLibraries)
-        context_.session.libraries.link(file.text, context_.session.paths.library, file.where);
+        context_.session.libraries.link(context_.session.registry.expand(file.text, file.where),
+                                        context_.session.paths.library, file.where);
+}
+
+void Commands::registryEntry(const Name& key)
+{
+    key_ = key.text;
+    entry_ = {};
+    entry_.where = key.where;
+}
+
+void Commands::registryLine(const std::string& key, const std::string& value)
+{
+    if (key == "value")
+        entry_.value = value;
+    else
+        entry_.actions.emplace_back(key, value);
+}
+
+void Commands::endRegistryEntry()
+{
+    Session& session = context_.session;
+    const Location where = entry_.where;
+    session.registry.define(key_, std::move(entry_));
+    for (const auto& [key, path, extra] :
+         {std::tuple{"_MI_REG_LIBRARY", &session.paths.library, &session.registryFolders.library},
+          std::tuple{"_MI_REG_INCLUDE", &session.paths.include, &session.registryFolders.include},
+          std::tuple{"_MI_REG_TEXTURE", &session.paths.texture, &session.registryFolders.texture}}) {
+        if (key_ != key && key_ != '{' + std::string(key) + '}')
+            continue;
+        // The folders of the registry are the last ones of the path.
+        path->resize(path->size() - std::min(*extra, path->size()));
+        const std::size_t before = path->size();
+        addFolders(session.registry.expand('{' + std::string(key) + '}', where), *path);
+        *extra = path->size() - before;
+    }
 }
 
 void Commands::verbose(const Statement& level)
@@ -70,7 +118,7 @@ void Commands::set(const std::string& name, std::string value)
 
 void Commands::remove(const Name& name)
 {
-    context_.session.database.remove(context_.find(name, "element").tag);
+    removeWithNetwork(context_.session.database, context_.find(name, "element").tag);
 }
 
 void Commands::touch(const Name& name) { context_.find(name, "element"); }

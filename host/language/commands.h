@@ -19,6 +19,9 @@ public:
     void maximumVersion(const Name& version);
     void echo(const std::string& text);
     void set(const std::string& name, std::string value);
+    void registryEntry(const Name& key);
+    void registryLine(const std::string& key, const std::string& value);
+    void endRegistryEntry();
     void remove(const Name& name);
     void touch(const Name& name);
     void render(const Name& root, const Name& camera, const Name& options);
@@ -28,6 +31,8 @@ public:
 
 private:
     Context& context_;
+    std::string key_;
+    Registry::Entry entry_;
 };
 
 } // namespace host::language

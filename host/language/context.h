@@ -4,11 +4,15 @@
 
 #include "host/session.h"
 
+#include "host/shading/function.h"
+
 #include <memory>
 #include <set>
 #include <string>
 #include <string_view>
+#include <unordered_set>
 #include <utility>
+#include <vector>
 
 namespace host::language {
 
@@ -18,12 +22,33 @@ struct Name {
     Location where;
 };
 
-/// One reading of scene text into a session.
+/// Elements of a phenomenon's network.
+using NetworkMembers = std::unordered_set<miTag>;
+
+/// Destroys an element, and the network of a phenomenon's definition with it.
+void removeWithNetwork(Database& database, miTag tag);
+
+/// One reading of scene text into a session: the text itself, or the body of a phenomenon for one definition.
 class Context {
 public:
-    explicit Context(Session& session) : session(session) {}
+    explicit Context(Session& session);
+
+    /// The inside of a definition's network. Elements found in `former` are made anew and taken out of it.
+    /// Throws Error when there is too much to expand.
+    Context(const Context& outer, Function& definition, Scope names, NetworkMembers& former,
+            std::size_t words);
 
     Session& session;
+
+    /// How names are found here.
+    const Setting& setting() const { return setting_; }
+
+    /// `namespace "n"` and its end.
+    void enterNamespace(const Name& name);
+    void leaveNamespace();
+
+    /// The network that is being made; null outside of phenomena.
+    Expansion* expansion() const { return expansion_; }
 
     /// The command `incremental`: holds for the next definition, which takes it.
     void announceIncremental() { incremental_ = true; }
@@ -37,12 +62,21 @@ public:
         Element& element = find(name, wanted);
         if (T* const found = dynamic_cast<T*>(&element))
             return *found;
+        if (T* const found = dynamic_cast<T*>(&meant(element)))
+            return *found;
         refuseKind(name, element, wanted);
     }
     Element& find(const Name& name, std::string_view wanted) const;
 
-    /// Puts a finished element into the database; a name that is taken already is one warning.
+    /// The material or light that a definition of a phenomenon gives; other elements stand for themselves.
+    Element& meant(Element& element) const;
+
+    /// Puts a finished element into the database under its name as it stands in the text. A name that is
+    /// taken already is one warning: an element of the same kind is then replaced for all who use it.
     miTag add(std::unique_ptr<Element> element);
+
+    /// What `add` would replace is a definition of a phenomenon: the elements of its network.
+    NetworkMembers networkOf(const std::string& name) const;
 
     /// Another name for an element, with the same warning.
     void alias(const Name& name, miTag tag);
@@ -58,10 +92,22 @@ public:
     [[noreturn]] static void refuseKind(const Name& name, const Element& element, std::string_view wanted);
 
 private:
-    void warnIfTaken(const std::string& name, const Location& where) const;
+    // What all contexts of one text share.
+    struct Reading {
+        std::set<std::string> ignored;
+        std::size_t expandedWords = 0;
+    };
 
+    Element* taken(const std::string& name) const;
+    void warnIfTaken(const Element* earlier, const std::string& name, const Location& where) const;
+
+    Setting setting_;
+    std::vector<Scope> around_; // of the namespaces that are open
+    Expansion* expansion_ = nullptr;
+    NetworkMembers* former_ = nullptr;
+    int depth_ = 0; // of phenomena in phenomena
     bool incremental_ = false;
-    std::set<std::string> ignored_;
+    std::shared_ptr<Reading> reading_;
 };
 
 /// The element that is being defined: a fresh one, which enters the database at its end, or after

@@ -15,6 +15,7 @@ public:
     void begin(Field result, const Name& name, std::vector<Field> parameters);
     void version(int number) { declaration_.version = number; }
     void apply(std::string kind) { declaration_.apply.push_back(std::move(kind)); }
+    Declaration take() { return std::move(declaration_); }
     void end() { context_.session.declarations.add(std::move(declaration_)); }
 
 private:

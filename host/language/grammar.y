@@ -14,26 +14,26 @@
 %define api.location.type {host::Location}
 %define parse.error custom
 %define parse.lac full
-%param {host::language::Lexer& lexer}
+%param {host::language::TokenSource& tokens}
 %parse-param {host::language::Builder& scene}
 
 %code requires {
 #include "host/language/builder.h"
 
 namespace host::language {
-class Lexer;
+class TokenSource;
 }
 }
 
 %code {
-#include "host/language/lexer.h"
+#include "host/language/tokens.h"
 
 // The place of something is that of its first token.
 #define YYLLOC_DEFAULT(result, parts, count) (result) = YYRHSLOC(parts, (count) > 0 ? 1 : 0)
 
 namespace host::language {
 
-static Parser::symbol_type yylex(Lexer& lexer) { return lexer.next(); }
+static Parser::symbol_type yylex(TokenSource& tokens) { return tokens.next(); }
 
 static Field field(Type type, const Name& name)
 {
@@ -53,7 +53,7 @@ static void append(std::vector<Number>& numbers, const miVector& v)
 } // namespace host::language
 }
 
-%initial-action { @$ = lexer.place(); }
+%initial-action { @$ = tokens.place(); }
 
 %token END_OF_FILE 0 "the end of the text"
 %token <std::string> STRING "a string"
@@ -63,6 +63,9 @@ static void append(std::vector<Number>& numbers, const miVector& v)
 %token <miVector> BINARY_VECTOR "a binary vector"
 %token <std::vector<unsigned char>> BYTES "a byte string"
 %token BLOCK "a block in brackets"
+%token END_NAMESPACE "the end of the namespace"
+%token BODY_BEGIN "the beginning of a body"
+%token <std::shared_ptr<host::PhenomenonBody>> PHENOMENON_BODY "the body of a phenomenon"
 %token OPEN_PARENTHESIS "(" CLOSE_PARENTHESIS ")"
 %token OPEN_BRACKET "[" CLOSE_BRACKET "]"
 %token OPEN_BRACE "{" CLOSE_BRACE "}"
@@ -91,7 +94,7 @@ static void append(std::vector<Number>& numbers, const miVector& v)
     ON "on" OPAQUE "opaque" OPTIONS "options" ORIGIN "origin" OUTPUT "output" OVERRIDE "override" P "p"
     PARALLEL "parallel" PASS "pass" PHENOMENON "phenomenon" PHOTON "photon" PHOTONMAP "photonmap"
     PHOTONS "photons" PHOTONVOL "photonvol" PREMULTIPLIED "premultiplied" PREMULTIPLY "premultiply"
-    PRIMARY "primary" PRIVATE "private" QUALITY "quality" RAY "ray" RECTANGLE "rectangle"
+    PRIMARY "primary" PRIORITY "priority" PRIVATE "private" QUALITY "quality" RAY "ray" RECTANGLE "rectangle"
     REFLECTION "reflection" REFRACTION "refraction" REGISTRY "registry" RENDER "render" RESOLUTION "resolution"
     ROOT "root" SAMPLELOCK "samplelock" SAMPLES "samples" SCALAR "scalar" SCALE "scale" SCANLINE "scanline"
     SELECT "select" SESSION "session" SET "set" SHADER "shader" SHADING "shading" SHADOW "shadow"
@@ -118,7 +121,9 @@ static void append(std::vector<Number>& numbers, const miVector& v)
 %type <Field> field result shader_result
 %type <std::vector<Field>> fields field_list
 %type <std::vector<double>> default
-%type <std::string> apply_kind
+%type <std::string> apply_kind registry_key
+%type <int> opt_priority
+%type <ExtraRoot::Kind> extra_kind
 %type <ShaderUse> shader
 %type <std::vector<ShaderUse>> shaders opt_shaders
 %type <Argument> argument
@@ -131,6 +136,10 @@ static void append(std::vector<Number>& numbers, const miVector& v)
 
 %%
 
+text:
+    scene
+|   BODY_BEGIN phenomenon_items         /* of a phenomenon that is being expanded */
+;
 scene:
     %empty
 |   scene command
@@ -210,6 +219,10 @@ command:
 |   ECHO STRING                         { scene.commands.echo($2); }
 |   SYSTEM STRING                       { scene.context.ignored(@1, "the command \"system\""); }
 |   MEMORY number                       { scene.context.ignored(@1, "the command \"memory\""); }
+|   REGISTRY name                       { scene.commands.registryEntry($2); scene.context.expectation = "a registry line"; }
+    registry_lines END REGISTRY         { scene.commands.endRegistryEntry(); scene.context.expectation = "a command"; }
+|   NAMESPACE name                      { scene.context.enterNamespace($2); }
+    scene END_NAMESPACE                 { scene.context.leaveNamespace(); }
 |   SET name                            { scene.commands.set($2.text, ""); }
 |   SET name STRING                     { scene.commands.set($2.text, $3); }
 |   DEBUG STRING                        { scene.context.ignored(@1, "the command \"debug\""); }
@@ -245,10 +258,19 @@ unsupported_command:
     CALL                                { Commands::unsupported("call", @1); }
 |   CODE                                { Commands::unsupported("code", @1); }
 |   FRAME                               { Commands::unsupported("frame", @1); }
-|   NAMESPACE                           { Commands::unsupported("namespace", @1); }
-|   REGISTRY                            { Commands::unsupported("registry", @1); }
 |   ROOT                                { Commands::unsupported("root", @1); }
-|   DECLARE PHENOMENON                  { Commands::unsupported("declare phenomenon", @1); }
+;
+
+registry_lines:
+    %empty
+|   registry_lines registry_key STRING  { scene.commands.registryLine($2, $3); }
+;
+registry_key:
+    name                                { $$ = $1.text; }
+|   LINK                                { $$ = "link"; }
+|   CODE                                { $$ = "code"; }
+|   ECHO                                { $$ = "echo"; }
+|   SYSTEM                              { $$ = "system"; }
 ;
 
 /* ---- declarations ------------------------------------------------------------------------------------------- */
@@ -259,6 +281,9 @@ declaration:
     traits END DECLARE                  { scene.declaration.end(); }
 |   DECLARE result name OPEN_PARENTHESIS fields CLOSE_PARENTHESIS
                                         { scene.declaration.begin($2, $3, $5); scene.declaration.end(); }
+|   DECLARE PHENOMENON shader_result name OPEN_PARENTHESIS fields CLOSE_PARENTHESIS
+                                        { scene.phenomenon.begin($3, $4, $6); tokens.takeBody(); }
+    PHENOMENON_BODY                     { scene.phenomenon.end($9); }
 |   DECLARE DATA name OPEN_PARENTHESIS fields CLOSE_PARENTHESIS opt_end_declare
                                         { scene.context.ignored(@1, "the declaration of user data"); }
 ;
@@ -348,6 +373,37 @@ trait:
 |   GUI opt_name BLOCK
 |   HARDWARE BLOCK
 ;
+/* Read once for every definition of the phenomenon. */
+phenomenon_items:
+    %empty
+|   phenomenon_items phenomenon_item
+;
+phenomenon_item:
+    shader_definition
+|   material
+|   light
+|   instance
+|   group
+|   texture
+|   trait
+|   ROOT shaders                        { scene.phenomenon.root($2, @1); }
+|   ROOT MATERIAL name                  { scene.phenomenon.rootMaterial($3); }
+|   ROOT LIGHT name                     { scene.phenomenon.rootLight($3); }
+|   extra_kind shaders opt_priority     { scene.phenomenon.extra($1, $2, $3); }
+|   OUTPUT                              { Commands::unsupported("output", @1); }
+|   CONTOUR STORE shader opt_priority   { scene.context.ignored(@1, "contour roots"); }
+|   CONTOUR CONTRAST shader opt_priority { scene.context.ignored(@1, "contour roots"); }
+;
+extra_kind:
+    LENS                                { $$ = ExtraRoot::Kind::lens; }
+|   ENVIRONMENT                         { $$ = ExtraRoot::Kind::environment; }
+|   VOLUME                              { $$ = ExtraRoot::Kind::volume; }
+|   GEOMETRY                            { $$ = ExtraRoot::Kind::geometry; }
+;
+opt_priority:
+    %empty                              { $$ = 0; }
+|   PRIORITY INTEGER                    { $$ = $2; }
+;
 any_word:
     SYMBOL                              { $$ = {$1, @1}; }
 |   boolean                             { $$ = {$1 ? "on" : "off", @1}; }
@@ -414,7 +470,7 @@ value:
 |   name                                { $$ = {@1, Word{$1.text}}; }
 |   NULL_                               { $$ = {@1, Null{}}; }
 |   EQUALS name                         { $$ = {@1, Connect{$2.text}}; }
-|   EQUALS INTERFACE                    { Commands::unsupported("interface", @2); }
+|   EQUALS INTERFACE name               { $$ = {@1, Interface{$3.text}}; }
 |   OPEN_BRACE arguments CLOSE_BRACE    { $$ = {@1, Members{$2}}; }
 |   OPEN_BRACKET elements CLOSE_BRACKET { $$ = {@1, Elements{$2}}; }
 ;
@@ -461,7 +517,7 @@ colorprofile:
 |   COLORPROFILE name                   { scene.context.ignored(@1, "the colour profile of textures"); }
 ;
 texture_contents:
-    name                                { scene.texture.file($1.text); }
+    name                                { scene.texture.file($1); }
 |   name OPEN_PARENTHESIS arguments CLOSE_PARENTHESIS
                                         { scene.texture.procedural({$1, {}, $3}); }
 |   texture_size

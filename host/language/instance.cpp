@@ -58,7 +58,7 @@ void InstanceBuilder::begin(const Name& name)
 
 void InstanceBuilder::item(const Name& element)
 {
-    const Element& found = context_.find(element, "element");
+    const Element& found = context_.meant(context_.find(element, "element"));
     constexpr std::array possible = {miSCENE_OBJECT, miSCENE_LIGHT, miSCENE_CAMERA, miSCENE_GROUP};
     if (std::find(possible.begin(), possible.end(), found.kind) == possible.end())
         Context::refuseKind(element, found, "object, light, camera or group");

@@ -4,6 +4,7 @@
 #include "host/language/read.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cfloat>
 #include <charconv>
@@ -77,6 +78,108 @@ Lexer::Lexer(Session& session, std::unique_ptr<Source> source) : session_(sessio
 Lexer::~Lexer() { sceneDeleteScanner(scanner_); }
 
 Lexer::Token Lexer::next()
+{
+    if (std::exchange(takeBody_, false))
+        return body();
+    if (ahead_) {
+        Token token = std::move(*ahead_);
+        ahead_.reset();
+        last_ = token.kind();
+        return token;
+    }
+    Token token = one();
+    last_ = token.kind();
+    return token.kind() == Parser::symbol_kind::S_END ? endOf(std::move(token)) : token;
+}
+
+// `end namespace` is one token: what it ends may itself have an end that can be left out.
+Lexer::Token Lexer::endOf(Token end)
+{
+    Token what = one();
+    if (what.kind() == Parser::symbol_kind::S_NAMESPACE)
+        return Parser::make_END_NAMESPACE(end.location);
+    ahead_.emplace(std::move(what));
+    return end;
+}
+
+Lexer::Token Lexer::body()
+{
+    auto result = std::make_shared<PhenomenonBody>();
+    const Location begin = place();
+    while (true) {
+        Token token = one();
+        if (token.kind() == Parser::symbol_kind::S_YYEOF)
+            throw Error(token.location, "found the end of the text, expected \"end declare\"");
+        const bool end = token.kind() == Parser::symbol_kind::S_DECLARE && !result->tokens.empty() &&
+                         result->tokens.back().kind() == Parser::symbol_kind::S_END;
+        if (end)
+            break;
+        result->interfaces += token.kind() == Parser::symbol_kind::S_INTERFACE;
+        result->tokens.push_back(std::move(token));
+    }
+    const Location end = result->tokens.back().location;
+    result->tokens.pop_back();
+    result->tokens.push_back(Parser::make_END_OF_FILE(end));
+    return Parser::make_PHENOMENON_BODY(std::move(result), begin);
+}
+
+namespace {
+
+bool begins(Parser::symbol_kind_type kind)
+{
+    using Kinds = Parser::symbol_kind;
+    constexpr std::array all = {Kinds::S_OPTIONS, Kinds::S_CAMERA,   Kinds::S_LIGHT,    Kinds::S_MATERIAL,
+                                Kinds::S_OBJECT,  Kinds::S_INSTANCE, Kinds::S_INSTGROUP};
+    return std::find(all.begin(), all.end(), kind) != all.end();
+}
+
+} // namespace
+
+Location Lexer::findDefinition(const std::string& name, UnknownName::Of of)
+try {
+    using Kinds = Parser::symbol_kind;
+    lookingAhead_ = true;
+    auto open = Kinds::S_YYEMPTY; // the element that is being defined
+    auto last = last_;
+    bool declares = last == Kinds::S_DECLARE; // the next name outside of braces is a declaration's
+    bool phenomenon = false;
+    int braces = 0;
+    while (true) {
+        const Token token = one();
+        const auto kind = token.kind();
+        if (kind == Kinds::S_YYEOF)
+            return {};
+        braces += (kind == Kinds::S_OPEN_BRACE) - (kind == Kinds::S_CLOSE_BRACE);
+        const bool outside = open == Kinds::S_YYEMPTY && !declares;
+        if (kind == Kinds::S_STRING || kind == Kinds::S_SYMBOL) {
+            const bool declared = declares && braces == 0;
+            const bool shader = last == Kinds::S_SHADER && !declares;
+            const bool element = shader || (outside && (last == Kinds::S_TEXTURE || begins(last)));
+            const bool wanted = of == UnknownName::Of::declaration ? declared
+                                : of == UnknownName::Of::shader    ? shader
+                                                                   : element;
+            if (wanted && token.value.as<std::string>() == name)
+                return token.location;
+            if (outside && begins(last))
+                open = last;
+            if (declared && phenomenon) // what is inside is private
+                open = Kinds::S_DECLARE;
+            declares = declares && !declared;
+        } else if (outside && kind == Kinds::S_DECLARE && last != Kinds::S_END) {
+            declares = true;
+            phenomenon = false;
+        } else if (declares && kind == Kinds::S_PHENOMENON) {
+            phenomenon = true;
+        } else if (kind == open && last == Kinds::S_END) {
+            open = Kinds::S_YYEMPTY;
+        }
+        last = kind;
+    }
+} catch (const Error&) {
+    return {};
+}
+
+Lexer::Token Lexer::one()
 {
     Token token = sceneNextToken(*this, scanner_);
     if (skipNextBlock_ && opens(token.kind()))

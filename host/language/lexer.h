@@ -2,12 +2,13 @@
 // Scene text to tokens: directives are carried out here, so the grammar sees one stream of tokens.
 #pragma once
 
-#include "host/language/grammar.h"
 #include "host/language/source.h"
+#include "host/language/tokens.h"
 #include "host/session.h"
 
 #include <cstddef>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -15,20 +16,18 @@
 namespace host::language {
 
 /// Reads tokens with bounded memory, whatever the text holds. Every member throws Error with the exact place.
-class Lexer {
+class Lexer : public TokenSource {
 public:
-    using Token = Parser::symbol_type;
-
     Lexer(Session& session, std::unique_ptr<Source> source);
-    ~Lexer();
-    Lexer(const Lexer&) = delete;
-    Lexer& operator=(const Lexer&) = delete;
+    ~Lexer() override;
 
-    /// The next token; END_OF_FILE after the last one.
-    Token next();
+    Token next() override;
+    const Location& place() const override { return sources_.back()->place; }
+    void takeBody() override { takeBody_ = true; }
 
-    /// Where the next token is looked for.
-    const Location& place() const { return sources_.back()->place; }
+    /// Reads on to where something of that name is defined or declared; no file when it is not. Only after a
+    /// mistake: there are no tokens left then.
+    Location findDefinition(const std::string& name, UnknownName::Of of);
 
     // The rest is for the scanner's rules.
 
@@ -45,8 +44,8 @@ public:
     Mode directive(std::string_view word);
     Mode skippedDirective(std::string_view word);
 
-    /// The latest directive's argument. True when it put a file on top, whose text comes next.
-    bool argument(const std::string& name, bool alongPathFirst);
+    /// The latest directive's argument. How many files it put on top, whose text comes next.
+    int argument(const std::string& name, bool alongPathFirst);
     Mode modeAfterArgument() const { return modeAfterArgument_; }
 
     /// The text on top has ended: throws when it left a conditional open.
@@ -71,9 +70,13 @@ public:
     [[noreturn]] void fail(const std::string& text) const { throw Error(tokenPlace_, text); }
 
 private:
+    Token one();
+    Token endOf(Token end);
+    Token body();
     void countBrackets(const Token& token);
     Token skipBlock(const Token& opening);
-    void include(const std::string& name, bool alongPathFirst);
+    int lookUp(const std::string& key);
+    void include(const std::string& name, const std::string& beside, bool alongPathFirst);
     void refuseLength(char first) const;
 
     Session& session_;
@@ -89,6 +92,10 @@ private:
     Location bytesPlace_;
     int depth_ = 0; // open brackets
     bool skipNextBlock_ = false;
+    bool takeBody_ = false;
+    std::optional<Token> ahead_;
+    Parser::symbol_kind_type last_ = Parser::symbol_kind::S_YYEMPTY; // handed out
+    bool lookingAhead_ = false;                                      // nothing that is read takes effect
 };
 
 } // namespace host::language

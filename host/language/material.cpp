@@ -17,8 +17,17 @@ void MaterialBuilder::end()
 
 void MaterialBuilder::surface(std::vector<ShaderUse> uses)
 {
-    if (!uses.empty())
-        material_->shader = shaders_.make(std::move(uses));
+    if (uses.empty())
+        return;
+    Material& material = *material_;
+    const Material* const given = shaders_.makeMaterial(std::move(uses), material.shader);
+    if (!given)
+        return;
+    material.shader = given->shader;
+    material.shadow = given->shadow;
+    material.volume = given->volume;
+    material.environment = given->environment;
+    material.record.opaque = given->record.opaque;
 }
 
 void MaterialBuilder::unused(const char* role, const Location& where, std::vector<ShaderUse> uses)

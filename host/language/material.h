@@ -15,7 +15,8 @@ public:
 
     void opaque() { material_->record.opaque = miTRUE; }
 
-    /// The list without a keyword; in a change, none leaves the old one.
+    /// The list without a keyword; in a change, none leaves the old one. A phenomenon that gives a material
+    /// gives all of it.
     void surface(std::vector<ShaderUse> uses);
 
     // A keyword with a list sets it, a keyword alone clears it.

@@ -12,9 +12,18 @@ namespace {
 
 void readFrom(Session& session, std::unique_ptr<language::Source> source)
 {
-    language::Builder builder(session);
+    language::Context context(session);
+    language::Builder builder(context);
     language::Lexer lexer(session, std::move(source));
-    language::Parser(lexer, builder).parse();
+    try {
+        language::Parser(lexer, builder).parse();
+    } catch (const UnknownName& unknown) {
+        const Location later = lexer.findDefinition(unknown.name, unknown.of);
+        if (!later.file)
+            throw;
+        throw Error(std::string(unknown.what()) + "; it comes at " + later.text() +
+                    ", but must be defined above its use");
+    }
 }
 
 } // namespace

@@ -1,9 +1,44 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "host/language/shaders.h"
 
+#include "host/language/phenomenon.h"
+
 namespace host::language {
 
 ShaderList Shaders::make(std::vector<ShaderUse> uses)
+{
+    const Location where = uses.empty() ? Location() : uses.front().place();
+    ShaderList list = makeAny(std::move(uses));
+    refuseElements(list, where);
+    return list;
+}
+
+const Material* Shaders::makeMaterial(std::vector<ShaderUse> uses, ShaderList& list)
+{
+    const Location where = uses.empty() ? Location() : uses.front().place();
+    list = makeAny(std::move(uses));
+    Element* const only = list.size() == 1 ? context_.session.database.find(list.front()) : nullptr;
+    if (only)
+        if (const auto* const material = dynamic_cast<const Material*>(&context_.meant(*only)))
+            return material;
+    refuseElements(list, where);
+    return nullptr;
+}
+
+void Shaders::refuseElements(const ShaderList& list, const Location& where) const
+{
+    for (const miTag tag : list) {
+        auto* const function = context_.session.database.findAs<Function>(tag);
+        if (!function) // of a named list, and deleted since
+            continue;
+        const Element& given = context_.meant(*function);
+        if (&given != function)
+            throw Error(where, function->title() + " gives a " + std::string(kindName(given.kind)) +
+                                   ", it cannot be called as a shader");
+    }
+}
+
+ShaderList Shaders::makeAny(std::vector<ShaderUse> uses)
 {
     ShaderList list;
     for (const ShaderUse& use : uses) {
@@ -19,15 +54,20 @@ const Declaration& Shaders::declaration(const Name& type) const
 {
     if (const Declaration* const found = context_.session.declarations.find(type.text))
         return *found;
-    throw Error(type.where, "the shader " + inQuotes(type.text) + " is not declared");
+    throw UnknownName(type.text, UnknownName::Of::declaration, type.where,
+                      "the shader " + inQuotes(type.text) + " is not declared");
 }
 
 miTag Shaders::create(const ShaderUse& use)
 {
     auto function = std::make_unique<Function>(declaration(use.type), use.arguments,
-                                               context_.session.database, use.type.where);
+                                               context_.session.database, use.type.where, context_.setting());
     function->name = use.name.text;
-    return context_.add(std::move(function));
+    NetworkMembers former = use.name.text.empty() ? NetworkMembers() : context_.networkOf(use.name.text);
+    Function& made = *function;
+    const miTag tag = context_.add(std::move(function));
+    expand(context_, made, std::move(former));
+    return tag;
 }
 
 void Shaders::refer(const Name& name, ShaderList& list)
@@ -71,7 +111,11 @@ void Shaders::change(const Name& name, std::vector<ShaderUse> uses)
     const ShaderUse& head = uses.front();
     if (uses.size() != 1 || head.type.text.empty() || !head.name.text.empty())
         throw Error(name.where, "a single shader can only be changed into a single shader");
-    function.redefine(declaration(head.type), head.arguments, head.type.where);
+    NetworkMembers former;
+    if (function.expansion)
+        former.insert(function.expansion->members.begin(), function.expansion->members.end());
+    function.redefine(declaration(head.type), head.arguments, head.type.where, context_.setting());
+    expand(context_, function, std::move(former));
 }
 
 } // namespace host::language

@@ -54,12 +54,15 @@ std::string_view summary(const std::set<Parser::symbol_kind_type>& kinds, std::s
     };
     constexpr std::array families = {Family{Kind::S_BOOLEAN, "a type"},
                                      Family{Kind::S_APPLY, "a property of the shader"}};
+    if (kinds.contains(Kind::S_ROOT) && kinds.contains(Kind::S_APPLY))
+        return "a phenomenon statement";
     for (const Family& family : families)
         if (kinds.contains(family.member))
             return family.name;
-    if (kinds.contains(Kind::S_INSTGROUP) && !kinds.contains(Kind::S_YYEOF))
+    const bool commands = kinds.contains(Kind::S_YYEOF) || kinds.contains(Kind::S_END_NAMESPACE);
+    if (kinds.contains(Kind::S_INSTGROUP) && !commands)
         return "a definition";
-    const bool statements = kinds.contains(Kind::S_END) || kinds.contains(Kind::S_YYEOF);
+    const bool statements = kinds.contains(Kind::S_END) || commands;
     return statements ? statement : "a kind of shader";
 }
 
@@ -84,7 +87,8 @@ std::string expected(const Parser::context& context, std::string_view expectatio
     for (const Parser::symbol_kind_type kind : all) {
         const std::string name = Parser::symbol_name(kind);
         const bool named = kind == Kind::S_STRING || kind == Kind::S_SYMBOL || kind == Kind::S_FLOAT ||
-                           kind == Kind::S_INTEGER || kind == Kind::S_BINARY_VECTOR || kind == Kind::S_YYEOF;
+                           kind == Kind::S_INTEGER || kind == Kind::S_BINARY_VECTOR ||
+                           kind == Kind::S_YYEOF || kind == Kind::S_BODY_BEGIN;
         const bool synonym = kind == Kind::S_TRUE || kind == Kind::S_FALSE;
         if (named || synonym || (isKeyword(kind) && keywords > mostAlternatives && kind != Kind::S_END))
             continue;

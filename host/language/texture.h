@@ -16,7 +16,7 @@ public:
     void writable() { writable_ = true; }
 
     void begin(Texture::Kind kind, const Name& name);
-    void file(const std::string& name) { texture_->file = name; }
+    void file(const Name& name) { texture_->file = context_.session.registry.expand(name.text, name.where); }
     void procedural(ShaderUse use) { texture_->procedural = shaders_.make({std::move(use)}); }
     void size(const Statement& pixels);
     void bytes(const std::vector<unsigned char>& more);

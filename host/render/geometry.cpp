@@ -5,6 +5,7 @@
 #include "host/shading/call.h"
 #include "host/shading/network.h"
 
+#include <algorithm>
 #include <set>
 
 namespace host {
@@ -43,11 +44,11 @@ GeometryRun::GeometryRun(Session& session, const RenderCommand& command, const C
 {
     if (options.record.no_geometry)
         return;
+    addPhenomena(command.root);
     const std::vector<Instance*> instances = geometryInstances(database_, command.root);
-    if (instances.empty())
-        return;
     try {
-        run(session, instances, camera, options);
+        if (!instances.empty())
+            run(session, instances, camera, options);
         edits_.close(database_);
         lastCreated_ = database_.last();
     } catch (...) {
@@ -64,8 +65,36 @@ GeometryRun::~GeometryRun()
     undo();
 }
 
+void GeometryRun::addPhenomena(miTag root)
+{
+    auto* const group = database_.findAs<Group>(root);
+    std::vector<std::pair<int, Instance*>> added;
+    for (miTag tag = 1; group && tag <= lastBefore_; ++tag) {
+        const auto* const definition = database_.findAs<Function>(tag);
+        if (!definition || !definition->expansion)
+            continue;
+        for (const ExtraRoot& extra : definition->expansion->extra)
+            if (extra.kind == ExtraRoot::Kind::geometry) {
+                auto& instance = database_.make<Instance>(std::string(), definition->where);
+                instance.geometry = extra.shaders;
+                added.emplace_back(extra.priority, &instance);
+            }
+    }
+    std::stable_sort(added.begin(), added.end(),
+                     [](const auto& a, const auto& b) { return a.first < b.first; });
+    if (added.empty())
+        return;
+    root_ = root;
+    rootMembers_ = group->members;
+    for (const auto& [priority, instance] : added)
+        group->members.push_back(instance->tag);
+    lastCreated_ = database_.last();
+}
+
 void GeometryRun::undo()
 {
+    if (auto* const group = database_.findAs<Group>(root_))
+        group->members = rootMembers_;
     for (const miTag tag : instances_)
         if (auto* const instance = database_.findAs<Instance>(tag))
             instance->record.item = miNULLTAG;

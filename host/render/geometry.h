@@ -23,6 +23,8 @@ private:
     void run(Session& session, const std::vector<Instance*>& instances, const Camera& camera,
              const Options& options);
     miTag grouped(const std::vector<miTag>& results);
+    /// An instance below the root for each definition of a phenomenon that adds geometry.
+    void addPhenomena(miTag root);
     void undo();
 
     Database& database_;
@@ -30,6 +32,8 @@ private:
     miTag lastBefore_;
     miTag lastCreated_;
     std::vector<miTag> instances_;
+    miTag root_ = miNULLTAG;         ///< the group that instances were added to, and
+    std::vector<miTag> rootMembers_; ///< what was in it
 };
 
 } // namespace host

@@ -17,6 +17,7 @@ std::optional<Picture> renderPicture(Session& session, const RenderCommand& comm
     const SchedulerLimits limits(threadCount(settings.threads));
     const GeometryRun geometry(session, command, camera, options);
     Stage stage(session, command, camera, options);
+    stage.addPhenomena();
     Network network(stage.roots(), session.libraries);
     stage.loadTextures(network);
     miState exitState{};

@@ -3,6 +3,9 @@
 
 #include "host/shading/network.h"
 
+#include <algorithm>
+#include <set>
+
 namespace host {
 
 namespace {
@@ -40,6 +43,31 @@ Stage::Stage(Session& session, const RenderCommand& command, const Camera& theCa
         lenses = functionsOf(database, camera.lens, camera);
     if (!options.record.no_volume)
         volume = functionsOf(database, camera.volume, camera);
+}
+
+void Stage::addPhenomena()
+{
+    // What is added may use further phenomena.
+    for (std::set<const Function*> known;;) {
+        std::vector<std::pair<const ExtraRoot*, const Function*>> due;
+        for (const Function* const function : reachable(roots()))
+            if (function->expansion && known.insert(function).second)
+                for (const ExtraRoot& extra : function->expansion->extra)
+                    due.emplace_back(&extra, function);
+        if (due.empty())
+            return;
+        std::stable_sort(due.begin(), due.end(),
+                         [](const auto& a, const auto& b) { return a.first->priority < b.first->priority; });
+        for (const auto& [extra, definition] : due) {
+            const FunctionList added = functionsOf(database, extra->shaders, *definition);
+            if (extra->kind == ExtraRoot::Kind::lens && !options.record.no_lens)
+                lenses.insert(lenses.end(), added.begin(), added.end());
+            if (extra->kind == ExtraRoot::Kind::environment)
+                environment.insert(environment.end(), added.begin(), added.end());
+            if (extra->kind == ExtraRoot::Kind::volume && !options.record.no_volume)
+                volume.insert(volume.end(), added.begin(), added.end());
+        }
+    }
 }
 
 std::vector<Function*> Stage::roots() const

@@ -34,6 +34,10 @@ public:
     Textures textures;
     bool compositesOpacity; ///< eye rays go on behind surfaces that set an opacity below 1
 
+    /// Puts the lens, environment and volume shaders of all phenomena that the scene uses behind the camera's
+    /// own.
+    void addPhenomena();
+
     /// Every shader that rays may call.
     std::vector<Function*> roots() const;
 

@@ -3,19 +3,6 @@
 
 namespace host {
 
-FunctionList functionsOf(const Database& database, const ShaderList& list, const Element& user)
-{
-    FunctionList functions;
-    for (const miTag tag : list) {
-        auto* const function = database.findAs<Function>(tag);
-        if (!function)
-            throw Error(user.where, std::string(kindName(user.kind)) + ' ' + inQuotes(user.name) +
-                                        " lists a shader that was deleted");
-        functions.push_back(function);
-    }
-    return functions;
-}
-
 miBoolean callAll(const FunctionList& list, void* result, miState& state)
 {
     miBoolean last = miFALSE;

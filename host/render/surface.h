@@ -15,9 +15,6 @@ namespace host {
 /// A shader list with its functions at hand.
 using FunctionList = std::vector<Function*>;
 
-/// The functions of a list of tags. Throws Error, naming the element that has the list, for one that is gone.
-FunctionList functionsOf(const Database& database, const ShaderList& list, const Element& user);
-
 /// Calls each in order on the same result; the value of the last, or 0 for an empty list.
 miBoolean callAll(const FunctionList& list, void* result, miState& state);
 

@@ -156,14 +156,13 @@ TextureFiles::TextureFiles() : system_(OIIO::TextureSystem::create(true))
 
 std::unique_ptr<TextureImage> TextureFiles::open(const Texture& texture, const SearchPaths& paths)
 {
-    if (!texture.procedural.empty())
-        throw Error(texture.where, called(texture) + "procedural textures are not supported");
     if (!texture.bytes.empty())
         return std::make_unique<BytesImage>(texture);
     const std::string beside = texture.where.file ? *texture.where.file : std::string();
     const std::string file = findFile(texture.file, beside, paths.texture);
     if (file.empty())
-        throw Error(texture.where, called(texture) + "no file \"" + texture.file + "\"");
+        throw Error(texture.where, called(texture) + "no file \"" + texture.file + '"' +
+                                       lookedIn(texture.file, beside, paths.texture));
     return std::make_unique<FileImage>(texture, file, *system_);
 }
 
@@ -177,6 +176,10 @@ void Textures::load(miTag tag)
     const auto* const texture = database_.findAs<Texture>(tag);
     if (!texture || images_[tag])
         return;
+    if (!texture->procedural.empty()) {
+        procedures_.try_emplace(tag, functionsOf(database_, texture->procedural, *texture));
+        return;
+    }
     images_[tag] = loaded_.emplace_back(files_.open(*texture, paths_)).get();
 }
 
@@ -191,7 +194,8 @@ const TextureImage* Textures::image(miTag tag) const
 const TextureImage* Textures::loadNow(miTag tag) const
 {
     const auto* const texture = database_.findAs<Texture>(tag);
-    if (!texture)
+    if (!texture ||
+        !texture->procedural.empty()) // the shaders of one that nothing names are not in the network
         return nullptr;
     const std::lock_guard lock(lock_);
     if (failed_.contains(tag))

@@ -4,6 +4,7 @@
 
 #include "host/scene/database.h"
 #include "host/scene/search.h"
+#include "host/shading/function.h"
 
 #include <OpenImageIO/texture.h>
 
@@ -11,6 +12,7 @@
 #include <memory>
 #include <mutex>
 #include <set>
+#include <unordered_map>
 #include <vector>
 
 namespace host {
@@ -52,8 +54,19 @@ class Textures {
 public:
     Textures(const Database& database, const SearchPaths& paths);
 
-    /// Opens a texture before rendering. Throws Error when that fails.
+    /// Opens a texture before rendering, or finds the shaders of a procedural one. Throws Error when that
+    /// fails.
     void load(miTag texture);
+
+    /// The shaders of a procedural texture that was loaded, to be called with the coordinate; null for
+    /// others.
+    const std::vector<Function*>* procedure(miTag texture) const
+    {
+        if (procedures_.empty())
+            return nullptr;
+        const auto found = procedures_.find(texture);
+        return found == procedures_.end() ? nullptr : &found->second;
+    }
 
     /// The image of a texture, opened now if it was not; null for what is no texture, and for one that cannot
     /// be read, after one error message.
@@ -64,6 +77,7 @@ private:
 
     const Database& database_;
     const SearchPaths& paths_;
+    std::unordered_map<miTag, std::vector<Function*>> procedures_;
     mutable std::vector<std::atomic<const TextureImage*>> images_; // by tag
     mutable std::mutex lock_;                                      // guards what follows
     mutable TextureFiles files_;

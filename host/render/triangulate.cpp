@@ -3,6 +3,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <compare>
+#include <map>
+#include <utility>
 
 namespace host {
 
@@ -10,7 +13,7 @@ namespace {
 
 struct Point {
     double x, y;
-    bool operator==(const Point&) const = default;
+    auto operator<=>(const Point&) const = default;
 };
 
 /// Twice the signed area of a triangle: positive when it turns counter-clockwise.
@@ -41,6 +44,179 @@ bool meet(Point a, Point b, Point c, Point d)
            (cda == 0 && between(c, d, a)) || (cdb == 0 && between(c, d, b));
 }
 
+/// A corner of the outline or of a hole.
+struct Place {
+    Point at;
+    std::uint32_t vertex;
+};
+using Places = std::vector<Place>;
+
+double doubledArea(const Places& ring)
+{
+    double doubled = 0.0;
+    for (std::size_t i = 0; i < ring.size(); ++i)
+        doubled += area({0, 0}, ring[i].at, ring[(i + 1) % ring.size()].at);
+    return doubled;
+}
+
+/// Where holes touch the outline or one another, at corners or along edges, the border is walked anew, so
+/// that no edge is left that has the polygon on neither side: rings that touch become one, or fall apart.
+class Contacts {
+public:
+    /// The outline counter-clockwise, then holes clockwise.
+    explicit Contacts(std::vector<Places>& rings) : rings_(rings)
+    {
+        double largest = 0.0;
+        for (const Places& ring : rings)
+            for (const Place& place : ring)
+                largest = std::max({largest, std::abs(place.at.x), std::abs(place.at.y)});
+        reach_ = largest * 0x1p-21; // a few times what rounding to float moves a point
+    }
+
+    void resolve()
+    {
+        if (!snap() && !insert())
+            return;
+        insert();
+        collect();
+        rings_.clear();
+        for (const auto& [from, targets] : edges_)
+            while (!edges_[from].empty())
+                walk(from);
+    }
+
+private:
+    /// Moves corners onto those of other rings that they all but coincide with; true when there are any.
+    bool snap()
+    {
+        bool touching = false;
+        for (std::size_t r = 1; r < rings_.size(); ++r)
+            for (Place& place : rings_[r])
+                for (std::size_t q = 0; q < r; ++q)
+                    for (const Place& other : rings_[q])
+                        if (squaredDistance(place.at, other.at) <= reach_ * reach_) {
+                            place.at = other.at;
+                            touching = true;
+                        }
+        return touching;
+    }
+
+    /// Puts corners of other rings into the edges that they lie on; true when there are any.
+    bool insert()
+    {
+        bool touching = false;
+        std::vector<Places> result;
+        for (std::size_t r = 0; r < rings_.size(); ++r) {
+            Places& ring = result.emplace_back();
+            for (std::size_t i = 0; i < rings_[r].size(); ++i) {
+                const Place a = rings_[r][i];
+                const Point b = rings_[r][(i + 1) % rings_[r].size()].at;
+                ring.push_back(a);
+                std::vector<std::pair<double, Place>> found;
+                for (std::size_t q = 0; q < rings_.size(); ++q)
+                    for (const Place& other : rings_[q])
+                        if (q != r && on(a.at, b, other.at))
+                            found.emplace_back(squaredDistance(a.at, other.at), other);
+                std::stable_sort(found.begin(), found.end(),
+                                 [](const auto& x, const auto& y) { return x.first < y.first; });
+                for (const auto& [distance, place] : found)
+                    if (ring.back().at != place.at)
+                        ring.push_back(place);
+                touching = touching || !found.empty();
+            }
+        }
+        rings_ = std::move(result);
+        return touching;
+    }
+
+    /// Between the ends of the edge, which it is near enough to count as being on.
+    bool on(Point a, Point b, Point p) const
+    {
+        const double length = std::sqrt(squaredDistance(a, b));
+        if (length <= 2.0 * reach_ || std::abs(area(a, b, p)) > reach_ * length)
+            return false;
+        const double along = ((p.x - a.x) * (b.x - a.x) + (p.y - a.y) * (b.y - a.y)) / length;
+        return along > reach_ && along < length - reach_;
+    }
+
+    /// All edges by where they begin, without those that another one runs along the other way.
+    void collect()
+    {
+        for (const Places& ring : rings_)
+            for (std::size_t i = 0; i < ring.size(); ++i) {
+                const Place& a = ring[i];
+                const Place& b = ring[(i + 1) % ring.size()];
+                if (a.at == b.at)
+                    continue;
+                vertices_.try_emplace(a.at, a.vertex);
+                std::vector<Point>& back = edges_[b.at];
+                const auto opposite = std::find(back.begin(), back.end(), a.at);
+                if (opposite != back.end())
+                    back.erase(opposite);
+                else
+                    edges_[a.at].push_back(b.at);
+            }
+    }
+
+    /// Takes edges until they close a ring, and turns as far left as possible where several go on.
+    void walk(Point start)
+    {
+        Places ring;
+        Point before{}, at = start;
+        do {
+            std::vector<Point>& on = edges_[at];
+            if (on.empty())
+                return; // crossing edges; the ring would stay open
+            const auto next =
+                ring.empty() ? on.begin() : std::min_element(on.begin(), on.end(), [&](Point p, Point q) {
+                    return clockwise(before, at, p) < clockwise(before, at, q);
+                });
+            ring.push_back({at, vertices_.at(at)});
+            before = at;
+            at = *next;
+            on.erase(next);
+        } while (at != start || (!edges_[at].empty() && sharper(before, at, ring)));
+        if (ring.size() >= 3)
+            rings_.push_back(std::move(ring));
+    }
+
+    /// The angle by which the way back has to turn clockwise to become the way on; above 0.
+    static double clockwise(Point before, Point at, Point on)
+    {
+        const double back = std::atan2(before.y - at.y, before.x - at.x);
+        const double forth = std::atan2(on.y - at.y, on.x - at.x);
+        const double angle = back - forth;
+        return angle > 0.0 ? angle : angle + 8.0 * std::atan(1.0);
+    }
+
+    /// Back at its first corner, the ring goes on when some edge lies further left than its own first one.
+    bool sharper(Point before, Point at, const Places& ring) const
+    {
+        const double first = clockwise(before, at, ring[1].at);
+        const std::vector<Point>& on = edges_.at(at);
+        return std::any_of(on.begin(), on.end(), [&](Point p) { return clockwise(before, at, p) < first; });
+    }
+
+    std::vector<Places>& rings_;
+    double reach_ = 0.0;
+    std::map<Point, std::vector<Point>> edges_;
+    std::map<Point, std::uint32_t> vertices_;
+};
+
+/// Inside the ring or on its border, by the parity of the edges that lie to the right.
+bool encloses(const Places& ring, Point p)
+{
+    bool inside = false;
+    for (std::size_t i = 0; i < ring.size(); ++i) {
+        const Point a = ring[i].at, b = ring[(i + 1) % ring.size()].at;
+        if (area(a, b, p) == 0.0 && between(a, b, p))
+            return true;
+        if ((a.y > p.y) != (b.y > p.y) && p.x < a.x + (p.y - a.y) / (b.y - a.y) * (b.x - a.x))
+            inside = !inside;
+    }
+    return inside;
+}
+
 /// Rings of corners, linked both ways so that cutting and joining cost nothing.
 class Rings {
 public:
@@ -50,22 +226,14 @@ public:
         std::uint32_t previous, next;
     };
 
-    /// Adds a closed ring and returns its first corner; counter-clockwise when `outline`, clockwise
-    /// otherwise.
-    std::uint32_t addRing(std::vector<Corner> corners, bool outline)
+    /// Adds a closed ring and returns its first corner.
+    std::uint32_t addRing(const Places& places)
     {
-        double doubled = 0.0;
-        for (std::size_t i = 0; i < corners.size(); ++i)
-            doubled += area({0, 0}, corners[i].at, corners[(i + 1) % corners.size()].at);
-        if ((doubled > 0.0) != outline)
-            std::reverse(corners.begin(), corners.end());
         const auto first = std::uint32_t(corners_.size());
-        const auto count = std::uint32_t(corners.size());
-        for (std::uint32_t i = 0; i < count; ++i) {
-            corners[i].previous = first + (i + count - 1) % count;
-            corners[i].next = first + (i + 1) % count;
-            corners_.push_back(corners[i]);
-        }
+        const auto count = std::uint32_t(places.size());
+        for (std::uint32_t i = 0; i < count; ++i)
+            corners_.push_back(
+                {places[i].at, places[i].vertex, first + (i + count - 1) % count, first + (i + 1) % count});
         return first;
     }
 
@@ -276,29 +444,48 @@ void triangulate(const Object& object, const Polygon& polygon, std::vector<Trian
     }
 
     const Projection project(object, outline);
-    Rings rings;
-    const auto add = [&](const Loop& loop, bool isOutline) {
-        std::vector<Rings::Corner> corners;
-        for (std::uint32_t i = 0; i < loop.count; ++i) {
-            const std::uint32_t vertex = vertices[loop.first + i];
-            corners.push_back({project(Projection::position(object, vertex)), vertex, 0, 0});
+    std::vector<Places> all;
+    for (std::uint32_t i = 0; i < polygon.loopCount; ++i) {
+        const Loop& loop = object.loops[polygon.firstLoop + i];
+        if (loop.count < 3)
+            continue;
+        Places& ring = all.emplace_back();
+        for (std::uint32_t k = 0; k < loop.count; ++k) {
+            const std::uint32_t vertex = vertices[loop.first + k];
+            ring.push_back({project(Projection::position(object, vertex)), vertex});
         }
-        return rings.addRing(std::move(corners), isOutline);
-    };
-    const std::uint32_t start = add(outline, true);
-    std::vector<std::uint32_t> holes;
-    for (std::uint32_t i = 1; i < polygon.loopCount; ++i)
-        if (const Loop& loop = object.loops[polygon.firstLoop + i]; loop.count >= 3)
-            holes.push_back(rings.rightmost(add(loop, false)));
-    // From the right to the left, so that a hole is joined before another one that it hides from the outline.
-    std::stable_sort(holes.begin(), holes.end(),
-                     [&](std::uint32_t a, std::uint32_t b) { return rings.x(a) < rings.x(b); });
-    while (!holes.empty()) {
-        const std::uint32_t hole = holes.back();
-        holes.pop_back();
-        rings.join(start, hole, holes);
+        if ((doubledArea(ring) > 0.0) != (i == 0))
+            std::reverse(ring.begin(), ring.end());
     }
-    rings.cut(start, triangles);
+    if (all.size() > 1)
+        Contacts(all).resolve();
+
+    std::vector<Places> holes;
+    const auto isHole = [](const Places& ring) { return doubledArea(ring) < 0.0; };
+    if (all.size() > 1) {
+        const auto first =
+            std::stable_partition(all.begin(), all.end(), [&](const auto& r) { return !isHole(r); });
+        holes.assign(std::make_move_iterator(first), std::make_move_iterator(all.end()));
+        all.erase(first, all.end());
+    }
+    for (const Places& border : all) {
+        Rings rings;
+        const std::uint32_t start = rings.addRing(border);
+        std::vector<std::uint32_t> inside;
+        for (const Places& hole : holes)
+            if (all.size() == 1 || encloses(border, hole.front().at))
+                inside.push_back(rings.rightmost(rings.addRing(hole)));
+        // From the right to the left, so that a hole is joined before another one that it hides from the
+        // border.
+        std::stable_sort(inside.begin(), inside.end(),
+                         [&](std::uint32_t a, std::uint32_t b) { return rings.x(a) < rings.x(b); });
+        while (!inside.empty()) {
+            const std::uint32_t hole = inside.back();
+            inside.pop_back();
+            rings.join(start, hole, inside);
+        }
+        rings.cut(start, triangles);
+    }
 }
 
 } // namespace host

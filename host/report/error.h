@@ -5,6 +5,7 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace host {
 
@@ -31,6 +32,20 @@ class Error : public std::runtime_error {
 public:
     explicit Error(const std::string& text) : std::runtime_error(text) {}
     Error(const Location& where, const std::string& text);
+};
+
+/// A name that nothing has, yet.
+class UnknownName : public Error {
+public:
+    enum class Of { element, shader, declaration };
+
+    UnknownName(std::string itsName, Of ofWhat, const Location& where, const std::string& text)
+        : Error(where, text), name(std::move(itsName)), of(ofWhat)
+    {
+    }
+
+    std::string name;
+    Of of;
 };
 
 } // namespace host

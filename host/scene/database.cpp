@@ -5,6 +5,11 @@
 
 namespace host {
 
+std::string Scope::qualified(std::string_view name) const
+{
+    return name.substr(0, 2) == "::" ? std::string(name.substr(2)) : inside + std::string(name);
+}
+
 Database::Database() = default;
 Database::~Database() = default;
 
@@ -19,6 +24,12 @@ miTag Database::add(std::unique_ptr<Element> element)
     return tag;
 }
 
+void Database::replace(miTag tag, std::unique_ptr<Element> element)
+{
+    element->tag = tag;
+    entries_[tag - 1].element = std::move(element);
+}
+
 void Database::remove(miTag tag)
 {
     Element* const element = find(tag);
@@ -30,10 +41,26 @@ void Database::remove(miTag tag)
     entries_[tag - 1].element.reset();
 }
 
-miTag Database::lookup(std::string_view name) const
+miTag Database::named(const std::string& name) const
 {
-    const auto named = names_.find(std::string(name));
-    return named == names_.end() ? miNULLTAG : named->second;
+    const auto found = names_.find(name);
+    return found == names_.end() ? miNULLTAG : found->second;
+}
+
+miTag Database::lookup(std::string_view name, const Scope& scope) const
+{
+    if (name.substr(0, 2) == "::")
+        return named(std::string(name.substr(2)));
+    if (!scope.inside.empty())
+        if (const miTag tag = named(scope.inside + std::string(name)))
+            return tag;
+    for (std::string_view around = scope.around;;) {
+        const miTag tag = named(std::string(around) + std::string(name));
+        if (tag != miNULLTAG || around.size() < 3)
+            return tag;
+        const std::size_t end = around.rfind("::", around.size() - 3);
+        around = around.substr(0, end == std::string_view::npos ? 0 : end + 2);
+    }
 }
 
 Element* Database::find(miTag tag) const noexcept

@@ -15,6 +15,15 @@ namespace host {
 
 class RelocatedStrings;
 
+/// Where names are defined and looked for: in a place of its own first, then from inside out.
+struct Scope {
+    std::string inside; ///< in front of the names defined here, "n::" in namespace n; nothing outside of all
+    std::string around; ///< the same of the next place out
+
+    /// The full name of what is defined here; "::name" stands outside of all namespaces.
+    std::string qualified(std::string_view name) const;
+};
+
 /// Tags are 32-bit handles, 0 is the null tag. Adding, naming and removing happen in one thread while nothing
 /// renders; everything else is safe from any thread.
 class Database {
@@ -39,14 +48,17 @@ public:
         return result;
     }
 
+    /// Puts the element in the place of one of the same kind, and destroys that: the tag and all names stay.
+    void replace(miTag tag, std::unique_ptr<Element> element);
+
     /// Makes another name point to an element.
     void alias(const std::string& name, miTag tag) { names_[name] = tag; }
 
     /// Destroys the element, which aliases must not outlive. Its tag is never given again.
     void remove(miTag tag);
 
-    /// The tag behind a name, 0 when there is none.
-    miTag lookup(std::string_view name) const;
+    /// The tag behind a name, 0 when there is none. "::name" is looked for outside of all namespaces only.
+    miTag lookup(std::string_view name, const Scope& scope = {}) const;
 
     /// The element, or null for the null tag, an unknown or a removed one.
     Element* find(miTag tag) const noexcept;
@@ -84,6 +96,8 @@ private:
         std::unique_ptr<Element> element;
         std::atomic<long> pins{0};
     };
+    miTag named(const std::string& name) const;
+
     std::deque<Entry> entries_; // entry i holds tag i + 1
     std::unordered_map<std::string, miTag> names_;
     std::unique_ptr<RelocatedStrings> relocated_; // null: strings stay

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "host/scene/search.h"
 
+#include "host/report/error.h"
+
+#include <algorithm>
 #include <filesystem>
 
 namespace host {
@@ -35,6 +38,24 @@ std::string findFile(const std::string& name, const std::string& besideFile,
             return candidate.string();
     }
     return {};
+}
+
+std::string lookedIn(const std::string& name, const std::string& besideFile,
+                     const std::vector<std::string>& path)
+{
+    if (fs::path(name).is_absolute())
+        return {};
+    std::vector<std::string> folders = {"."};
+    const auto add = [&folders](const std::string& folder) {
+        if (!folder.empty() && std::find(folders.begin(), folders.end(), folder) == folders.end())
+            folders.push_back(folder);
+    };
+    add(fs::path(besideFile).parent_path().string());
+    std::for_each(path.begin(), path.end(), add);
+    std::string text = "; looked in ";
+    for (std::size_t i = 0; i < folders.size(); ++i)
+        text += (i == 0 ? "" : ", ") + inQuotes(folders[i]);
+    return text;
 }
 
 } // namespace host

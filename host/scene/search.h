@@ -19,4 +19,8 @@ struct SearchPaths {
 std::string findFile(const std::string& name, const std::string& besideFile,
                      const std::vector<std::string>& path);
 
+/// Where findFile looks for a name: `; looked in ".", "a"`, for messages about one that is nowhere.
+std::string lookedIn(const std::string& name, const std::string& besideFile,
+                     const std::vector<std::string>& path);
+
 } // namespace host

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "host/shading/block.h"
 
+#include "host/report/message.h"
 #include "host/shading/function.h"
 
 #include <cmath>
@@ -53,27 +54,34 @@ bool drives(Type result, Type parameter)
     return result == parameter;
 }
 
-std::string_view formName(const Value& value)
+std::string formName(const Value& value)
 {
     struct Name {
-        std::string_view operator()(const Numbers& n) const
+        std::string operator()(const Numbers& n) const
         {
             return !n.numbers.empty() && n.numbers[0].kind == Number::Kind::boolean ? "on or off"
                                                                                     : "a number";
         }
-        std::string_view operator()(const Word&) const { return "a string"; }
-        std::string_view operator()(const Null&) const { return "null"; }
-        std::string_view operator()(const Connect&) const { return "a connection"; }
-        std::string_view operator()(const Elements&) const { return "a list in brackets"; }
-        std::string_view operator()(const Members&) const { return "a structure in braces"; }
+        std::string operator()(const Word& word) const { return inQuotes(word.text); }
+        std::string operator()(const Null&) const { return "null"; }
+        std::string operator()(const Connect&) const { return "a connection"; }
+        std::string operator()(const Interface&) const { return "an interface parameter"; }
+        std::string operator()(const Elements&) const { return "a list in brackets"; }
+        std::string operator()(const Members&) const { return "a structure in braces"; }
     };
     return std::visit(Name(), value.form);
 }
 
+// A type as a value of it is written.
+std::string valueName(Type type)
+{
+    return type == Type::boolean ? "on, off, 0 or 1" : std::string(typeName(type));
+}
+
 class Builder {
 public:
-    Builder(const Declaration& declaration, Database& database, Block& block)
-        : declaration_(declaration), database_(database), block_(block)
+    Builder(const Declaration& declaration, Database& database, const Setting& setting, Block& block)
+        : declaration_(declaration), database_(database), setting_(setting), block_(block)
     {
     }
 
@@ -118,7 +126,15 @@ private:
 
     [[noreturn]] void failForm(const Value& value, std::string_view expected) const
     {
-        fail(value.where, std::string(expected) + " expected, not " + std::string(formName(value)));
+        fail(value.where, std::string(expected) + " expected, not " + formName(value));
+    }
+
+    [[noreturn]] void failName(std::string_view name, UnknownName::Of of, std::string_view kind,
+                               const Location& where) const
+    {
+        throw UnknownName(std::string(name), of, where,
+                          "parameter " + inQuotes(path()) + " of shader " + inQuotes(declaration_.name) +
+                              ": there is no " + std::string(kind) + " named " + inQuotes(name));
     }
 
     // Fields of the block, or of a structure in it, from arguments in any order.
@@ -126,7 +142,10 @@ private:
     {
         std::unordered_map<std::string_view, const Argument*> given;
         for (const Argument& argument : arguments)
-            given.insert_or_assign(argument.name, &argument);
+            if (!given.insert_or_assign(argument.name, &argument).second)
+                message(Level::warning, "SCEN",
+                        argument.where.text() + ": shader " + inQuotes(declaration_.name) + " is given " +
+                            inQuotes(argument.name) + " twice, the later value counts");
         std::size_t known = 0;
         for (const Field& field : fields)
             known += given.count(field.name);
@@ -166,6 +185,8 @@ private:
             return setValue(field, at, value);
         if (std::holds_alternative<Connect>(value.form))
             fail(value.where, "a whole array cannot be connected, only its elements");
+        if (const Interface* const interface = std::get_if<Interface>(&value.form))
+            return setInterfaceArray(field, at, interface->parameter, value.where);
         const Elements* const elements = std::get_if<Elements>(&value.form);
         if (!elements)
             failForm(value, "a list in brackets");
@@ -208,6 +229,12 @@ private:
             setDefaultValue(field, at);
             return connect(field, at, *connection, value.where);
         }
+        if (const Interface* const interface = std::get_if<Interface>(&value.form)) {
+            setDefaultValue(field, at);
+            const Parameter source = interfaceParameter(interface->parameter, value.where);
+            return connectValue(field, at, {setting_.phenomenon, true}, *source.field, source.offset,
+                                interface->parameter, value.where);
+        }
         if (field.type == Type::structure) {
             const Members* const members = std::get_if<Members>(&value.form);
             if (!members)
@@ -218,7 +245,7 @@ private:
             return put(at, tagOf(field, value));
         const Numbers* const numbers = std::get_if<Numbers>(&value.form);
         if (!numbers)
-            failForm(value, typeName(field.type));
+            failForm(value, valueName(field.type));
         setNumbers(field, at, numbers->numbers, value.where);
     }
 
@@ -273,11 +300,13 @@ private:
             text.text = word->text;
             return text.tag;
         }
-        const Element* const element = database_.find(database_.lookup(word->text));
+        const Element* element = database_.find(database_.lookup(word->text, setting_.names));
         const Naming named = naming(field.type);
+        if (const auto* const function = dynamic_cast<const Function*>(element))
+            if (function->expansion && function->expansion->element && field.type != Type::shader)
+                element = database_.find(function->expansion->element);
         if (!element)
-            fail(value.where,
-                 "there is no " + std::string(named.expected) + " named " + inQuotes(word->text));
+            failName(word->text, UnknownName::Of::element, named.expected, value.where);
         if (!named.accepts(element->kind))
             fail(value.where, "an element that can serve as " + std::string(typeName(field.type)) +
                                   " expected (" + std::string(named.expected) + "), but " +
@@ -311,10 +340,16 @@ private:
             result = member;
             begin = end + 1;
         }
-        connectValue(field, at, *source, *result, offset, connection.source, where);
+        connectValue(field, at, {source, false}, *result, offset, connection.source, where);
     }
 
-    void connectValue(const Field& field, std::size_t at, const Function& source, const Field& result,
+    // A shader's result, or the parameters of a phenomenon's definition.
+    struct Origin {
+        const Function* function;
+        bool interface;
+    };
+
+    void connectValue(const Field& field, std::size_t at, const Origin& source, const Field& result,
                       std::size_t offset, const std::string& name, const Location& where)
     {
         if (field.type == Type::structure && result.type == Type::structure &&
@@ -327,10 +362,77 @@ private:
             }
             return;
         }
-        if (field.type == Type::structure || !drives(result.type, field.type))
+        if (field.type == Type::structure || result.isArray || !drives(result.type, field.type))
             fail(where, inQuotes(name) + " gives " + typeText(result) + ", which cannot drive " +
                             std::string(typeName(field.type)));
-        block_.connections.push_back({source.tag, offset, at, path(), &source.declaration(), nullptr});
+        Connection& made = block_.connections.emplace_back();
+        made.sourceTag = source.function->tag;
+        made.memberOffset = offset;
+        made.fieldOffset = at;
+        made.field = path();
+        made.sourceDeclaration = &source.function->declaration();
+        made.interface = source.interface;
+    }
+
+    // ---- parameters of the phenomenon around
+
+    struct Parameter {
+        const Field* field;
+        std::size_t offset; // in the block of the phenomenon's definition
+    };
+
+    // As with shaders, a name may contain dots and the longest one that exists counts.
+    Parameter interfaceParameter(std::string_view text, const Location& where) const
+    {
+        if (!setting_.phenomenon)
+            fail(where, "\"interface\" stands for a phenomenon's parameter and is known inside of one only");
+        const Declaration& phenomenon = setting_.phenomenon->declaration();
+        const auto fieldAt = [&](const std::vector<Field>& fields, std::size_t begin, std::size_t& end) {
+            for (end = text.size(); end != std::string_view::npos && end > begin;
+                 end = text.rfind('.', end - 1))
+                if (const Field* const found = findField(fields, text.substr(begin, end - begin)))
+                    return found;
+            return static_cast<const Field*>(nullptr);
+        };
+        Parameter result{nullptr, 0};
+        for (std::size_t begin = 0, end = 0; begin < text.size() || !result.field; begin = end + 1) {
+            const bool first = !result.field;
+            const bool ended = !first && result.field->isArray; // what follows would be a member of an array
+            result.field =
+                ended ? nullptr : fieldAt(first ? phenomenon.parameters : result.field->members, begin, end);
+            if (!result.field)
+                fail(where,
+                     "phenomenon " + inQuotes(phenomenon.name) + " has no parameter " + inQuotes(text));
+            result.offset += result.field->offset;
+        }
+        return result;
+    }
+
+    // The array is as long as the definition's; each element is connected to its counterpart.
+    void setInterfaceArray(const Field& field, std::size_t at, const std::string& name, const Location& where)
+    {
+        const Parameter source = interfaceParameter(name, where);
+        if (!source.field->isArray)
+            fail(where, inQuotes(name) + " gives " + typeText(*source.field) + ", which cannot drive " +
+                            typeText(field));
+        const auto* const theirs = static_cast<const std::byte*>(
+                                       static_cast<const void*>(setting_.phenomenon->record()->parameters)) +
+                                   source.offset;
+        int first = 0;
+        int count = 0;
+        std::memcpy(&first, theirs, sizeof first);
+        std::memcpy(&count, theirs + 4, sizeof count);
+        Field element = *source.field;
+        element.isArray = false;
+        const std::size_t begin =
+            source.offset + source.field->slot() + static_cast<std::size_t>(first) * element.elementSize;
+        const std::size_t payload = makeArray(field, at, static_cast<std::size_t>(count), false, where);
+        for (std::size_t k = 0; k < static_cast<std::size_t>(count); ++k) {
+            path_.push_back({&field, k});
+            connectValue(field, payload + k * field.elementSize, {setting_.phenomenon, true}, element,
+                         begin + k * element.elementSize, name, where);
+            path_.pop_back();
+        }
     }
 
     static bool sameShape(const std::vector<Field>& a, const std::vector<Field>& b)
@@ -353,7 +455,8 @@ private:
     {
         for (std::size_t end = text.size(); end != std::string_view::npos && end > 0;
              end = text.rfind('.', end - 1)) {
-            const Element* const element = database_.find(database_.lookup(text.substr(0, end)));
+            const Element* const element =
+                database_.find(database_.lookup(text.substr(0, end), setting_.names));
             if (!element)
                 continue;
             if (element->kind != miSCENE_FUNCTION)
@@ -361,7 +464,7 @@ private:
                                 std::string(kindName(element->kind)) + ", not shader");
             return {static_cast<const Function*>(element), text.substr(std::min(end + 1, text.size()))};
         }
-        fail(where, "there is no shader named " + inQuotes(text));
+        failName(text, UnknownName::Of::shader, "shader", where);
     }
 
     // ---- defaults and former values
@@ -431,6 +534,7 @@ private:
 
     const Declaration& declaration_;
     Database& database_;
+    const Setting& setting_;
     Block& block_;
     std::vector<Step> path_;
     const std::byte* old_ = nullptr;
@@ -440,10 +544,10 @@ private:
 } // namespace
 
 Block buildBlock(const Declaration& declaration, const std::vector<Argument>& arguments, Database& database,
-                 const Function* previous)
+                 const Setting& setting, const Function* previous)
 {
     Block block;
-    Builder(declaration, database, block).build(arguments, previous);
+    Builder(declaration, database, setting, block).build(arguments, previous);
     return block;
 }
 

@@ -17,10 +17,30 @@ StateScope::StateScope(miState& state) : ts_(*state.ts)
     state.cache = &cache;
 }
 
+namespace {
+
+/// A phenomenon's own result: what its roots make of it one after another, or its material or light.
+miBoolean callRoots(const Function& definition, void* result, miState& state, void* argument)
+{
+    if (definition.expansion->element != miNULLTAG) {
+        *static_cast<miTag*>(result) = definition.expansion->element;
+        return miTRUE;
+    }
+    miBoolean returned = miFALSE;
+    for (Function* const root : definition.sources())
+        returned = call(*root, result, state, argument);
+    return returned;
+}
+
+} // namespace
+
 miBoolean call(Function& function, void* result, miState& state, void* argument)
 {
-    if (!function.initialised.done())
+    if (!function.initialised.done()) {
+        if (function.expansion) // never initialised itself
+            return callRoots(function, result, state, argument);
         state.ts->network.initialise(function, state);
+    }
     Observation observation(state.ts->observer, function, Observer::Entry::execute, state, result);
     return observation.returned(guarded(function, state, "execute", [&] {
         return function.shader->execute(result, &state, function.parameters(), argument);
@@ -36,6 +56,22 @@ miBoolean call(const Database& database, const ShaderList& list, void* result, m
     return returned;
 }
 
+miBoolean callNested(const std::vector<Function*>& list, void* result, miState& state, void* argument)
+{
+    struct Depth {
+        explicit Depth(int& count) : count(count) { ++count; }
+        ~Depth() { --count; }
+        int& count;
+    };
+    const Depth depth(state.ts->nestedCalls);
+    if (depth.count > maximumNetworkDepth)
+        throw Error("shaders call one another more than " + std::to_string(maximumNetworkDepth) + " deep");
+    miBoolean returned = miFALSE;
+    for (Function* const function : list)
+        returned = call(*function, result, state, argument);
+    return returned;
+}
+
 void* evaluateConnected(miState& state, void* parameter)
 {
     const miFunction& caller = *state.shader;
@@ -43,10 +79,12 @@ void* evaluateConnected(miState& state, void* parameter)
     std::memcpy(&ghost, static_cast<const std::byte*>(parameter) + caller.ghost_offs, sizeof ghost);
     const Function& user = Function::of(&caller);
     const Connection& connection = user.connections()[ghost - 1];
+    if (!connection.source)
+        return connection.value;
     Function& source = *connection.source;
     ResultCache& cache = *static_cast<ResultCache*>(state.cache);
     std::byte* const result = cache.result(source);
-    std::byte* const value = result + connection.memberOffset;
+    std::byte* const value = result + connection.resultOffset;
     Observer* const observer = state.ts->observer;
     const bool remembered = cache.holds(source);
     if (observer)

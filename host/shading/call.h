@@ -68,6 +68,7 @@ struct miTs {
     const int number;
     void* render = nullptr;             ///< the renderer's own per-thread data, see render/
     host::Observer* observer = nullptr; ///< watches this thread's calls
+    int nestedCalls = 0;                ///< calls by tag within one another
 
     // Caches are taken and given back in the order of nested states, so the pool is a stack.
     std::vector<std::unique_ptr<host::ResultCache>> caches;
@@ -99,6 +100,10 @@ miBoolean call(Function& function, void* result, miState& state, void* argument 
 /// `call` for each function of a list, in order, on the same result; the last one's return value, or 0 for an
 /// empty list.
 miBoolean call(const Database& database, const ShaderList& list, void* result, miState& state);
+
+/// The same for shaders that other shaders call: by tag, or as a procedural texture. Such calls may lead back
+/// to themselves; throws Error when they nest deeper than maximumNetworkDepth.
+miBoolean callNested(const std::vector<Function*>& list, void* result, miState& state, void* argument);
 
 /// What mi_phen_eval does: the value of the connected field at `parameter`, a place in the block of the
 /// function that state->shader names. The shader behind it runs unless its result is remembered for this

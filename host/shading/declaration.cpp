@@ -148,7 +148,7 @@ bool sameFields(const std::vector<Field>& a, const std::vector<Field>& b)
 
 bool sameDeclaration(const Declaration& a, const Declaration& b)
 {
-    return a.name == b.name && a.version.value_or(0) == b.version.value_or(0) &&
+    return a.name == b.name && a.version.value_or(0) == b.version.value_or(0) && a.body == b.body &&
            sameFields({a.result}, {b.result}) && sameFields(a.parameters, b.parameters);
 }
 

@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <map>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -77,13 +78,17 @@ const Field* findField(const std::vector<Field>& fields, std::string_view name);
 /// True when the names, types and defaults are the same, in the same order.
 bool sameFields(const std::vector<Field>& a, const std::vector<Field>& b);
 
-/// `declare shader`.
+/// What `declare phenomenon` has between its parameters and its end; known to the scene language only.
+struct PhenomenonBody;
+
+/// `declare shader` and `declare phenomenon`.
 struct Declaration {
     std::string name;
     Field result;
     std::vector<Field> parameters;
     std::optional<int> version; ///< not given counts as 0
     std::vector<std::string> apply;
+    std::shared_ptr<const PhenomenonBody> body; ///< of a phenomenon; null for a shader of a library
     Location where;
 
     std::size_t blockSize = 0; ///< bytes of the fixed part of the parameter block
@@ -93,8 +98,8 @@ struct Declaration {
 
 /// Computes every offset and size by the renderer's rules: fields in order, C structure layout, arrays as
 /// `int i; int n; T slot[1]`. Throws Error for a name given twice, nesting deeper than 64, a structure
-/// without members, an array in the result, a block beyond maximumDeclaredSize, or a default that the type does
-/// not take: more numbers than it has components, or a fraction for an integer.
+/// without members, an array in the result, a block beyond maximumDeclaredSize, or a default that the type
+/// does not take: more numbers than it has components, or a fraction for an integer.
 void layOut(Declaration& declaration);
 
 /// True when two declarations mean the same; places and `apply`, which is for applications only, aside.

@@ -13,23 +13,23 @@ constexpr std::size_t roundUp8(std::size_t size) { return (size + 7) / 8 * 8; }
 } // namespace
 
 Function::Function(const Declaration& declaration, const std::vector<Argument>& arguments, Database& database,
-                   const Location& place)
+                   const Location& place, const Setting& setting)
     : Element(miSCENE_FUNCTION), database_(database)
 {
     where = place;
-    adopt(declaration, buildBlock(declaration, arguments, database, nullptr));
+    adopt(declaration, buildBlock(declaration, arguments, database, setting, nullptr), setting);
     record()->no_expl_params = arguments.empty();
 }
 
 void Function::redefine(const Declaration& declaration, const std::vector<Argument>& arguments,
-                        const Location& place)
+                        const Location& place, const Setting& setting)
 {
     const Function* const previous = &declaration == declaration_ ? this : nullptr;
-    adopt(declaration, buildBlock(declaration, arguments, database_, previous));
+    adopt(declaration, buildBlock(declaration, arguments, database_, setting, previous), setting);
     where = place;
 }
 
-void Function::adopt(const Declaration& declaration, Block block)
+void Function::adopt(const Declaration& declaration, Block block, const Setting& setting)
 {
     const std::size_t space = roundUp8(std::max<std::size_t>(block.bytes.size(), 1));
     const bool ghosts = !block.connections.empty();
@@ -47,10 +47,12 @@ void Function::adopt(const Declaration& declaration, Block block)
     connections_ = std::move(block.connections);
     references_ = std::move(block.references);
     declaration_ = &declaration;
+    if (setting.phenomenon)
+        phenomenon_ = setting.phenomenon->tag;
 
     miFunction& r = *record();
     r.sparep1[0].p = this;
-    r.type = miFUNCTION_C;
+    r.type = declaration.body ? miFUNCTION_PHEN : miFUNCTION_C;
     r.next_function = next;
     r.parameter_size = static_cast<int>(block.bytes.size());
     r.result_size = static_cast<int>(declaration.result.size);
@@ -58,19 +60,69 @@ void Function::adopt(const Declaration& declaration, Block block)
     r.ghost_flag = ghosts;
 }
 
-void Function::findSources()
+const Connection* Function::connectionAt(std::size_t fieldOffset) const
 {
-    for (Connection& connection : connections_) {
-        Function* const source = database_.findAs<Function>(connection.sourceTag);
-        const auto fail = [&](const std::string& text) {
-            throw Error(where, title() + ": what \"" + connection.field + "\" is connected to " + text);
-        };
+    const miFunction& r = *record();
+    if (!r.ghost_flag)
+        return nullptr;
+    miTag ghost;
+    std::memcpy(&ghost, reinterpret_cast<const char*>(r.parameters) + r.ghost_offs + fieldOffset,
+                sizeof ghost);
+    return ghost == miNULLTAG ? nullptr : &connections_[ghost - 1];
+}
+
+// Through the parameters of any number of phenomena, from the inside out, to a value or a shader; through the
+// definitions of phenomena, from the outside in, to the shader that is their only root.
+void Function::follow(Connection& connection) const
+{
+    const auto fail = [&](const std::string& text) {
+        throw Error(where, title() + ": what \"" + connection.field + "\" is connected to " + text);
+    };
+    const Connection* last = &connection;
+    Function* source = nullptr;
+    while (true) {
+        source = database_.findAs<Function>(last->sourceTag);
         if (!source)
             fail("has been deleted");
-        else if (&source->declaration() != connection.sourceDeclaration &&
-                 !sameFields({source->declaration().result}, {connection.sourceDeclaration->result}))
-            fail("has become a shader with another result, " + source->title());
-        connection.source = source;
+        if (!last->interface)
+            break;
+        if (&source->declaration() != last->sourceDeclaration)
+            fail("has become another phenomenon, " + source->title());
+        const Connection* const next = source->connectionAt(last->memberOffset);
+        if (!next) {
+            connection.source = nullptr;
+            connection.value = static_cast<std::byte*>(source->parameters()) + last->memberOffset;
+            return;
+        }
+        last = next;
+    }
+    if (&source->declaration() != last->sourceDeclaration &&
+        !sameFields({source->declaration().result}, {last->sourceDeclaration->result}))
+        fail("has become a shader with another result, " + source->title());
+    for (int steps = 0; source->expansion && source->expansion->roots.size() == 1; ++steps) {
+        source = database_.findAs<Function>(source->expansion->roots.front());
+        if (!source)
+            fail("has been deleted");
+        if (steps == maximumNetworkDepth)
+            fail("is a phenomenon that leads into itself, " + source->title());
+    }
+    connection.source = source;
+    connection.resultOffset = last->memberOffset;
+}
+
+void Function::findSources()
+{
+    sources_.clear();
+    if (expansion) { // its connections are those of the network's shaders
+        for (const miTag root : expansion->roots)
+            if (Function* const function = database_.findAs<Function>(root))
+                sources_.push_back(function);
+        return;
+    }
+    for (Connection& connection : connections_) {
+        follow(connection);
+        if (connection.source)
+            sources_.push_back(connection.source);
     }
 }
 
@@ -95,6 +147,36 @@ std::string Function::title() const
         return "shader \"" + name + "\" (" + declaration_->name + ")";
     const std::string place = where.text();
     return "shader " + declaration_->name + (place.empty() ? "" : " at " + place);
+}
+
+namespace {
+
+void addFunctions(const Database& database, const ShaderList& list, const Element& user, int depth,
+                  std::vector<Function*>& functions)
+{
+    const auto fail = [&](const std::string& text) {
+        throw Error(user.where, std::string(kindName(user.kind)) + ' ' + inQuotes(user.name) + text);
+    };
+    if (depth > maximumNetworkDepth)
+        fail(" lists a phenomenon that leads into itself");
+    for (const miTag tag : list) {
+        auto* const function = database.findAs<Function>(tag);
+        if (!function)
+            fail(" lists a shader that was deleted");
+        if (function->expansion)
+            addFunctions(database, function->expansion->roots, user, depth + 1, functions);
+        else
+            functions.push_back(function);
+    }
+}
+
+} // namespace
+
+std::vector<Function*> functionsOf(const Database& database, const ShaderList& list, const Element& user)
+{
+    std::vector<Function*> functions;
+    addFunctions(database, list, user, 0, functions);
+    return functions;
 }
 
 bool firstTime(Function& function, Fault fault)

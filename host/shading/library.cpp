@@ -39,7 +39,10 @@ void Libraries::link(const std::string& file, const std::vector<std::string>& se
     dlerror();
     void* const handle = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
     if (!handle)
-        throw Error(where, "library \"" + file + "\" cannot be linked: " + loaderReason());
+        throw Error(where,
+                    "library \"" + file + "\" cannot be linked: " + loaderReason() +
+                        (found.empty() ? lookedIn(file, where.file ? *where.file : std::string(), searchPath)
+                                       : std::string()));
     if (std::find(handles_.begin(), handles_.end(), handle) == handles_.end())
         handles_.push_back(handle);
     else

@@ -36,7 +36,7 @@ private:
     };
     struct Visit {
         Function* function;
-        std::size_t next = 0; // connection to look at
+        std::size_t next = 0; // source to look at
         int depth = 0;        // of the deepest source so far
     };
 
@@ -45,8 +45,8 @@ private:
         enter(root);
         while (!path_.empty()) {
             Visit& top = path_.back();
-            if (top.next < top.function->connections().size()) {
-                Function& source = *top.function->connections()[top.next].source;
+            if (top.next < top.function->sources().size()) {
+                Function& source = *top.function->sources()[top.next];
                 const auto known = nodes_.find(&source);
                 if (known == nodes_.end()) {
                     enter(source);
@@ -69,6 +69,9 @@ private:
         path_.push_back({&function});
         const std::vector<Function*> callable = function.callable();
         pending_.insert(pending_.end(), callable.begin(), callable.end());
+        // What the network of a phenomenon names stands in the definition's parameters.
+        if (Function* const definition = function.phenomenon())
+            pending_.push_back(definition);
     }
 
     void leave()
@@ -102,15 +105,22 @@ private:
 
 } // namespace
 
-Network::Network(const std::vector<Function*>& roots, Libraries& libraries)
+std::vector<Function*> reachable(const std::vector<Function*>& roots)
 {
-    Gathering(functions_).gather(roots);
+    std::vector<Function*> functions;
+    Gathering(functions).gather(roots);
+    return functions;
+}
 
+Network::Network(const std::vector<Function*>& roots, Libraries& libraries) : functions_(reachable(roots))
+{
     std::set<const Shader*> checked;
     std::set<const Function*> sources;
     std::size_t number = 0;
     for (Function* const function : functions_) {
         function->number = number++;
+        if (function->expansion)
+            continue;
         function->shader = &libraries.resolve(function->declaration());
         if (checked.insert(function->shader).second) {
             libraries.checkVersion(*function->shader);
@@ -120,10 +130,10 @@ Network::Network(const std::vector<Function*>& roots, Libraries& libraries)
         function->initialised.reset();
         function->userSlot = nullptr;
         function->reported = 0;
-        for (const Connection& connection : function->connections())
-            if (sources.insert(connection.source).second) {
-                connection.source->resultOffset = resultBytes_;
-                resultBytes_ += ResultCache::space(*connection.source);
+        for (Function* const source : function->sources())
+            if (sources.insert(source).second) {
+                source->resultOffset = resultBytes_;
+                resultBytes_ += ResultCache::space(*source);
             }
     }
     exitState_.version = MI_STATE_VERSION;

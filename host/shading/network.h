@@ -10,17 +10,18 @@
 
 namespace host {
 
-/// Longest chain of connections that is accepted: evaluation nests that deep on the stack.
-inline constexpr int maximumNetworkDepth = 1024;
+/// Everything that `roots` are connected to or name by tag, themselves included; sources come before what is
+/// connected to them. Throws Error as Network does.
+std::vector<Function*> reachable(const std::vector<Function*>& roots);
 
 /// Life of the shaders in one rendering. Its destructor runs the exits. A function belongs to one network at
 /// a time.
 class Network {
 public:
-    /// Gathers everything that `roots` are connected to or name by tag, resolves its shaders and compares
-    /// their versions. Throws Error for a cycle (naming the shaders on it), a chain deeper than
-    /// maximumNetworkDepth, a connection to a deleted shader, and what Libraries::resolve and checkVersion
-    /// throw.
+    /// Gathers everything that `roots` are connected to or name by tag, definitions of phenomena included,
+    /// resolves its shaders and compares their versions. Throws Error for a cycle (naming the shaders on it),
+    /// a chain deeper than maximumNetworkDepth, a connection to a deleted shader, and what Libraries::resolve
+    /// and checkVersion throw.
     Network(const std::vector<Function*>& roots, Libraries& libraries);
 
     /// Calls the exits, in this thread: of every initialised instance, then of every initialised shader, each

@@ -34,6 +34,9 @@ struct Null {}; ///< null
 struct Connect {
     std::string source;
 }; ///< = "name" or = "name.member.member"
+struct Interface {
+    std::string parameter;
+}; ///< = interface "name" or = interface "name.member": the phenomenon's own parameter
 struct Elements {
     std::vector<Value> values;
 }; ///< [ ... ]
@@ -43,7 +46,7 @@ struct Members {
 
 struct Value {
     Location where;
-    std::variant<Numbers, Word, Null, Connect, Elements, Members> form;
+    std::variant<Numbers, Word, Null, Connect, Interface, Elements, Members> form;
 };
 
 struct Argument {

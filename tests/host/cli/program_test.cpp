@@ -312,7 +312,9 @@ TEST_F(Program, NumbersThatNothingCanBeRenderedWith)
         {"-samples", "30"},   {"-trace_depth", "-1"}};
     for (const std::vector<std::string>& option : options) {
         SCOPED_TRACE(option[0] + ' ' + option[1]);
-        expectError(render(Scene(), option), {"scene.mi:", "must "});
+        const Outcome outcome = render(Scene(), option);
+        expectError(outcome, {"must "});
+        EXPECT_EQ(outcome.messages.find("scene.mi:"), std::string::npos) << "the scene is not to blame";
     }
     Scene scene;
     scene.camera.replace(scene.camera.find("focal 1"), 7, "focal 1 clip -1 4");
@@ -329,6 +331,7 @@ TEST_F(Program, TheExtensionChoosesAFormatThatHoldsThePicture)
     const Outcome unknown = render(Scene(), {"-o", "a.xyz"});
     EXPECT_EQ(unknown.status, 1);
     EXPECT_NE(unknown.messages.find("\"xyz\""), std::string::npos) << unknown.messages;
+    EXPECT_EQ(unknown.messages.find("scene.mi:"), std::string::npos) << "the scene is not to blame";
     EXPECT_FALSE(folder.holds("a.xyz"));
 }
 

@@ -71,6 +71,28 @@ TEST(Graph, HasLightsOnceForAllTheirInstances)
     EXPECT_EQ(graph.edges, 2);
 }
 
+TEST(Graph, LooksIntoPhenomena)
+{
+    // One root stands for the definition; of several, the definition keeps a box of its own.
+    const std::string head =
+        "declare phenomenon color \"both\" ( color \"one\", scalar \"two\" )\n"
+        "shader \"sum\" \"total\" ( \"start\" = interface \"two\" )\n"
+        "shader \"pick\" \"choose\" ( \"first\" = interface \"one\", \"second\" = \"sum\" )\n"
+        "root = \"pick\" ";
+    const std::string use = " end declare\n"
+                            "shader \"s\" \"split\" ( )\n"
+                            "shader \"h\" \"both\" ( \"one\" = \"s.rgb\", \"two\" 3 )\n"
+                            "shader \"surface\" \"choose\" ( \"which\" on, \"first\" = \"h\" )\n";
+    const Drawn one = drawn(head + use);
+    EXPECT_EQ(one.nodes, 4 + 2);
+    EXPECT_EQ(one.edges, 3 + 1);
+    EXPECT_TRUE(contains(one.file, "start: 3<"));
+    const Drawn two = drawn(head + "= \"sum\"" + use);
+    EXPECT_EQ(two.nodes, 5 + 2);
+    EXPECT_EQ(two.edges, 2 + 2 + 1 + 1);
+    EXPECT_TRUE(contains(two.file, "one: = &quot;s&quot;"));
+}
+
 TEST(Graph, WithstandsHostileNames)
 {
     const std::string name = "<b>&amp;{|}\\\\n\\\"--> \xc3\xa9";

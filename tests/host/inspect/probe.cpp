@@ -82,6 +82,34 @@ TEST(Probe, TellsWhatIsRememberedAndWhatRunsAgain)
                         "sample = 1 1 1 1\n");
 }
 
+TEST(Probe, ShowsWhatRunsInsideAPhenomenon)
+{
+    // A literal parameter stands in the network's shader, a connected one leads out of it again.
+    const std::string text =
+        probed("declare phenomenon color \"half\" ( color \"one\", scalar \"two\" )\n"
+               "shader \"sum\" \"total\" ( \"start\" = interface \"two\" )\n"
+               "shader \"pick\" \"choose\" ( \"which\" on, \"first\" = interface \"one\",\n"
+               "\"second\" = \"sum\" )\n"
+               "root = \"pick\" end declare\n"
+               "shader \"s\" \"split\" ( \"in\" .25 .5 .75 1 )\n"
+               "shader \"h\" \"half\" ( \"one\" = \"s.rgb\", \"two\" 3 )\n"
+               "shader \"surface\" \"choose\" ( \"which\" on, \"first\" = \"h\" )\n");
+    EXPECT_EQ(text, "pixel 1 2 from the lower left, row 1 from the top\n"
+                    "material \"m\", eye ray at P: shader \"surface\" (choose)\n"
+                    "|  which = on\n"
+                    "|  second = 0 0 0 0\n"
+                    "|  first: shader \"h::pick\" (choose)\n"
+                    "|  |  which = on\n"
+                    "|  |  first: shader \"s\" (split)\n"
+                    "|  |  |  in = 0.25 0.5 0.75 1\n"
+                    "|  |  |  gives { \"rgb\" 0.25 0.5 0.75 1, \"mask\" 0.5 }, returns 0\n"
+                    "|  |  first = 0.25 0.5 0.75 1, of \"s.rgb\"\n"
+                    "|  |  second = \"h::sum\", not read\n"
+                    "|  |  gives 0.25 0.5 0.75 1\n"
+                    "|  gives 0.25 0.5 0.75 1\n"
+                    "sample = 0.25 0.5 0.75 1\n");
+}
+
 TEST(Probe, ShowsAnInitThatReadsParameters)
 {
     const std::string text = probed("shader \"s\" \"split\" ( )\n"

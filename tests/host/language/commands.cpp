@@ -78,6 +78,56 @@ TEST(Command, ASecondDefinitionIsOneWarning)
     EXPECT_NO_THROW(scene.get<host::Light>("c"));
 }
 
+TEST(Command, ASecondDefinitionHoldsForEarlierUsesToo)
+{
+    Scene scene("declare color \"leaf\" ( scalar \"s\", color \"c\" ) shader \"a\" \"leaf\" ( \"s\" 1 )\n"
+                "shader \"b\" \"leaf\" ( \"c\" = \"a\" ) material \"m\" = \"a\" end material\n"
+                "camera \"c\" focal 2 end camera instance \"ci\" \"c\" end instance");
+    const miTag shader = scene.session.database.lookup("a");
+    const miTag camera = scene.session.database.lookup("c");
+    scene.read("shader \"a\" \"leaf\" ( \"c\" 5 6 7 ) camera \"c\" aperture 3 end camera");
+    EXPECT_EQ(scene.messages.count("defined again"), 2);
+    EXPECT_EQ(scene.session.database.lookup("a"), shader);
+    EXPECT_EQ(scene.session.database.lookup("c"), camera);
+    EXPECT_EQ(scene.parameter<float>("a", "s"), 0.0f) << "nothing of the first definition stays";
+    EXPECT_EQ(scene.get<host::Camera>("c").record.focal, 1.0f);
+    EXPECT_EQ(scene.get<host::Instance>("ci").record.item, camera);
+    EXPECT_EQ(scene.get<host::Material>("m").shader, std::vector<miTag>{shader});
+    EXPECT_EQ(scene.get<host::Function>("b").connections()[0].sourceTag, shader);
+}
+
+TEST(Command, AnotherNameOfAnElementIsNotTheElement)
+{
+    Scene scene("declare color \"leaf\" ( scalar \"s\" ) shader \"a\" \"leaf\" ( \"s\" 1 )\n"
+                "shader \"b\" = \"a\" shader \"b\" \"leaf\" ( \"s\" 2 )");
+    EXPECT_EQ(scene.parameter<float>("a", "s"), 1.0f);
+    EXPECT_EQ(scene.parameter<float>("b", "s"), 2.0f);
+}
+
+TEST(Command, WhatComesTooLateIsPointedOut)
+{
+    const std::string leaf = "declare color \"leaf\" ( color \"c\" ) ";
+    EXPECT_EQ(errorOf(leaf + "shader \"b\" \"leaf\" ( \"c\" = \"late\" )\n camera \"late\" end camera\n"
+                             "shader \"late\" \"leaf\" ( )"),
+              "1:60: parameter \"c\" of shader \"leaf\": there is no shader named \"late\"; it comes at "
+              "scene:3:8, but must be defined above its use");
+    EXPECT_EQ(errorOf("instance \"i\" \"o\" end instance\ninstance \"j\" \"o\" end instance\n"
+                      "object \"o\" group end group end object"),
+              "1:14: there is no element \"o\"; it comes at scene:3:8, but must be defined above its use");
+    EXPECT_EQ(
+        errorOf("shader \"a\" \"leaf\" ( )\ndeclare shader color \"leaf\" ( scalar \"a\" ) end declare"),
+        "1:12: the shader \"leaf\" is not declared; it comes at scene:2:22, but must be defined above its "
+        "use");
+    EXPECT_EQ(errorOf("shader \"a\" \"leaf\" ( )\nmaterial \"leaf\""),
+              "1:12: the shader \"leaf\" is not declared")
+        << "no element can serve as a declaration";
+    EXPECT_EQ(errorOf("delete \"a\"\ninstance \"i\" material \"a\" end instance"),
+              "1:8: there is no element \"a\"")
+        << "an instance's material is a use";
+    EXPECT_EQ(errorOf("delete \"a\"\n$lookup \"a\"\n?"), "1:8: there is no element \"a\"")
+        << "mistakes further down are not told";
+}
+
 TEST(Command, IncrementalNeedsTheElement)
 {
     EXPECT_EQ(errorOf("incremental camera \"c\" end camera"), "1:20: there is no camera \"c\"");
@@ -147,10 +197,8 @@ TEST(Command, LinkLoadsALibrary)
 
 TEST(Command, UnsupportedOnesSaySo)
 {
-    for (const std::string word :
-         {"registry", "namespace", "code", "call", "root", "frame", "data", "lightprofile", "spectrum"})
+    for (const std::string word : {"code", "call", "root", "frame", "data", "lightprofile", "spectrum"})
         EXPECT_EQ(errorOf("\n  " + word + " \"x\""), "2:3: \"" + word + "\" is not supported");
-    EXPECT_EQ(errorOf("declare phenomenon color \"p\" ( )"), "1:1: \"declare phenomenon\" is not supported");
 }
 
 } // namespace test

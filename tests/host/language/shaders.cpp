@@ -129,7 +129,6 @@ TEST(Value, MistakesHaveTheirPlace)
         const std::string error = refusal(arguments);
         EXPECT_EQ(error.substr(0, place.size()), place) << arguments << ": " << error;
     }
-    EXPECT_EQ(refusal("\"c\" = interface \"p\""), "2:7: \"interface\" is not supported");
     EXPECT_EQ(refusal("\"c\" 1 2 3 \"s\" 1"),
               "2:11: found the string \"s\", expected a number, \")\", \",\", \"off\" or \"on\"");
     EXPECT_EQ(refusal("\"c\" camera"), "2:5: found the keyword \"camera\", expected a name, a number, \"[\", "

@@ -16,6 +16,16 @@ __attribute__((visibility("default"))) miBoolean hook(void* result, miState* sta
     return hook_target.call(hook_target.context, number, result, state, parameters);
 }
 
+__attribute__((visibility("default"))) int argued_version() { return 1; }
+
+// The coordinate that it is called with as a colour; true in the left half.
+__attribute__((visibility("default"))) miBoolean argued(miColor* result, miState*, void*,
+                                                        const miVector* coord)
+{
+    *result = {coord->x, coord->y, coord->z, 1.0f};
+    return coord->x < 0.5f;
+}
+
 __attribute__((visibility("default"))) int stated_version() { return 1; }
 
 __attribute__((visibility("default"))) miBoolean stated(void* result, miState* state,

@@ -178,7 +178,9 @@ TEST(Texture, MissingAndUnreadableFilesNameTheTexture)
     texture.file = "absent.png";
     host::TextureFiles files;
     EXPECT_EQ(errorOf([&] { files.open(texture, {}); }),
-              folder.path("scene.mi") + ":12:3: texture \"wood\": no file \"absent.png\"");
+              folder.path("scene.mi") +
+                  ":12:3: texture \"wood\": no file \"absent.png\"; looked in \".\", \"" + folder.path() +
+                  '"');
     folder.write("text.png", "this is no picture");
     texture.file = "text.png"; // found beside the scene
     EXPECT_NE(errorOf([&] { files.open(texture, {}); }).find("texture \"wood\": cannot read"),
@@ -263,8 +265,91 @@ TEST(Texture, ShadersLookItUpAndTheRenderingChecksItFirst)
     EXPECT_EQ(calls, 1);
     texture.bytes.clear();
     texture.file = "absent.png";
-    EXPECT_EQ(errorOf([&] { scene.look(); }), "texture \"tex\": no file \"absent.png\"");
+    EXPECT_EQ(errorOf([&] { scene.look(); }), "texture \"tex\": no file \"absent.png\"; looked in \".\"");
     EXPECT_EQ(calls, 1) << "rendering had begun";
+}
+
+extern "C" miBoolean mi_call_shader(miColor*, int, miState*, miTag);
+extern "C" miBoolean mi_call_shader_x(miColor*, int, miState*, miTag, void*);
+
+/// A procedural texture "tex" whose shader shows the coordinate.
+host::Function& makeProcedural(Scene& scene)
+{
+    host::Declaration declaration;
+    declaration.name = "argued";
+    declaration.version = 1;
+    auto function = std::make_unique<host::Function>(scene.session.declarations.add(std::move(declaration)),
+                                                     std::vector<host::Argument>(), scene.session.database,
+                                                     host::Location());
+    host::Function& made = *function;
+    scene.session.database.add(std::move(function));
+    scene.session.database.make<host::Texture>("tex").procedural = {made.tag};
+    return made;
+}
+
+TEST(Texture, AProceduralOneIsItsShaderCalledWithTheCoordinate)
+{
+    Scene scene;
+    const miTag function = makeProcedural(scene).tag;
+    const miTag texture = scene.session.database.lookup("tex");
+    auto& material = scene.session.database.make<host::Material>();
+    int calls = 0;
+    material.shader = {scene
+                           .shader(
+                               [&](miColor& result, miState& state) {
+                                   ++calls;
+                                   miVector left = {0.25f, 7, -1}, right = {0.75f, 0, 0};
+                                   EXPECT_TRUE(mi_lookup_color_texture(&result, &state, texture, &left));
+                                   expectColor(result, 0.25f, 7, -1, 1);
+                                   EXPECT_FALSE(mi_lookup_color_texture(&result, &state, texture, &right))
+                                       << "the shader's own value";
+                                   EXPECT_TRUE(mi_call_shader_x(&result, 6, &state, function, &left));
+                                   expectColor(result, 0.25f, 7, -1, 1);
+                                   result = {1, 2, 3, 4};
+                                   EXPECT_FALSE(mi_call_shader(&result, 6, &state, 0));
+                                   EXPECT_FALSE(mi_call_shader(&result, 6, &state, material.tag));
+                                   expectColor(result, 1, 2, 3, 4);
+                                   return miTRUE;
+                               },
+                               "tex")
+                           .tag};
+    scene.place(scene.square(1), {0, 0, -1}).materials = {material.tag};
+    expectColor(scene.look(), 1, 2, 3, 4);
+    EXPECT_EQ(calls, 1);
+}
+
+TEST(Texture, AProceduralOneThatNoParameterNamesIsNone)
+{
+    Scene scene;
+    makeProcedural(scene);
+    const miTag texture = scene.session.database.lookup("tex");
+    scene.place(scene.square(1), {0, 0, -1}).materials = {
+        scene
+            .material([&](miColor& result, miState& state) {
+                miVector coord = {0.25f, 0, 0};
+                EXPECT_FALSE(mi_lookup_color_texture(&result, &state, texture, &coord));
+                return miTRUE;
+            })
+            .tag};
+    expectColor(scene.look(), 0, 0, 0, 0);
+}
+
+TEST(Texture, AShaderThatLooksItselfUpIsStopped)
+{
+    Scene scene;
+    auto& texture = scene.session.database.make<host::Texture>("tex");
+    host::Function& shader = scene.shader(
+        [&](miColor& result, miState& state) {
+            miVector coord = {0, 0, 0};
+            return mi_lookup_color_texture(&result, &state, texture.tag, &coord);
+        },
+        "tex");
+    texture.procedural = {shader.tag};
+    auto& material = scene.session.database.make<host::Material>();
+    material.shader = {shader.tag};
+    scene.place(scene.square(1), {0, 0, -1}).materials = {material.tag};
+    EXPECT_NE(errorOf([&] { scene.look(); }).find("shaders call one another more than 1024 deep"),
+              std::string::npos);
 }
 
 TEST(Texture, OneThatNoParameterNamesIsLoadedWhenItIsUsed)

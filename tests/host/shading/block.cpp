@@ -196,7 +196,7 @@ TEST_F(BlockTest, ValuesOfTheWrongFormAreTold)
         {field(Type::scalar, "p"), numbers({1, 2}), "parameter \"p\": 2 numbers for a scalar, which has 1"},
         {field(Type::color, "p"), numbers({1, 2, 3, 4, 5}),
          "parameter \"p\": 5 numbers for a color, which has 4"},
-        {field(Type::scalar, "p"), value("x"), "parameter \"p\": scalar expected, not a string"},
+        {field(Type::scalar, "p"), value("x"), "parameter \"p\": scalar expected, not \"x\""},
         {field(Type::vector, "p"), null(), "parameter \"p\": vector expected, not null"},
         {field(Type::color, "p"), list(1.0f), "parameter \"p\": color expected, not a list in brackets"},
         {field(Type::color, "p"), structure({}),
@@ -204,6 +204,7 @@ TEST_F(BlockTest, ValuesOfTheWrongFormAreTold)
         {field(Type::scalar, "p"), value(true), "parameter \"p\": scalar expected, not on or off"},
         {field(Type::integer, "p"), value(1.0f), "parameter \"p\": integer expected, not a fraction"},
         {field(Type::integer, "p"), value(true), "parameter \"p\": integer expected, not on or off"},
+        {field(Type::boolean, "p"), value("yes"), "parameter \"p\": on, off, 0 or 1 expected, not \"yes\""},
         {field(Type::boolean, "p"), value(2), "parameter \"p\": on, off, 0 or 1 expected"},
         {field(Type::boolean, "p"), value(1.0f), "parameter \"p\": on, off, 0 or 1 expected"},
         {field(Type::string, "p"), value(1), "parameter \"p\": string expected, not a number"},
@@ -212,11 +213,10 @@ TEST_F(BlockTest, ValuesOfTheWrongFormAreTold)
          "parameter \"p\": a list in brackets expected, not a number"},
         {array(field(Type::scalar, "p")), connection("tex"),
          "parameter \"p\": a whole array cannot be connected, only its elements"},
-        {array(field(Type::scalar, "p")), list(1.0f, "x"),
-         "parameter \"p[1]\": scalar expected, not a string"},
+        {array(field(Type::scalar, "p")), list(1.0f, "x"), "parameter \"p[1]\": scalar expected, not \"x\""},
         {pair, value(1), "parameter \"p\": a structure in braces expected, not a number"},
         {pair, structure({argument("y", 1)}), "parameter \"p\": the structure has no member \"y\""},
-        {pair, structure({argument("x", "t")}), "parameter \"p.x\": scalar expected, not a string"},
+        {pair, structure({argument("x", "t")}), "parameter \"p.x\": scalar expected, not \"t\""},
     };
     for (const Row& row : rows)
         EXPECT_EQ(error(row.parameter, row.given), row.error);
@@ -232,7 +232,7 @@ TEST_F(BlockTest, ErrorsBeginWithTheArgumentsPlace)
     host::Argument wrong = argument("p", "text");
     wrong.value.where = where;
     EXPECT_EQ(errorOf([&] { stage.make("", "placed", {wrong}); }),
-              "scene.mi:12:34: parameter \"p\" of shader \"placed\": scalar expected, not a string");
+              "scene.mi:12:34: parameter \"p\" of shader \"placed\": scalar expected, not \"text\"");
     host::Argument unknown = argument("q", 1);
     unknown.where = where;
     EXPECT_EQ(errorOf([&] { stage.make("", "placed", {unknown}); }),

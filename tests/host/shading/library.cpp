@@ -21,7 +21,7 @@ TEST(Library, AMissingFileIsToldWithTheLoadersReason)
     const std::string error = errorOf([&] { stage.session.libraries.link("nowhere.so", {"/tmp"}, where); });
     EXPECT_EQ(error,
               "scene.mi:1:6: library \"nowhere.so\" cannot be linked: nowhere.so: cannot open shared object "
-              "file: No such file or directory");
+              "file: No such file or directory; looked in \".\", \"/tmp\"");
 }
 
 TEST(Library, AFileThatIsNoLibraryIsToldWithTheLoadersReason)
