@@ -73,7 +73,8 @@ TEST(Graph, HasLightsOnceForAllTheirInstances)
 
 TEST(Graph, LooksIntoPhenomena)
 {
-    // One root stands for the definition; of several, the definition keeps a box of its own.
+    // A single root serves whoever uses the definition; of several, all do, through the definition. It has a
+    // box of its own in any case, with its parameters.
     const std::string head =
         "declare phenomenon color \"both\" ( color \"one\", scalar \"two\" )\n"
         "shader \"sum\" \"total\" ( \"start\" = interface \"two\" )\n"
@@ -84,8 +85,8 @@ TEST(Graph, LooksIntoPhenomena)
                             "shader \"h\" \"both\" ( \"one\" = \"s.rgb\", \"two\" 3 )\n"
                             "shader \"surface\" \"choose\" ( \"which\" on, \"first\" = \"h\" )\n";
     const Drawn one = drawn(head + use);
-    EXPECT_EQ(one.nodes, 4 + 2);
-    EXPECT_EQ(one.edges, 3 + 1);
+    EXPECT_EQ(one.nodes, 5 + 2);
+    EXPECT_EQ(one.edges, 3 + 1 + 1);
     EXPECT_TRUE(contains(one.file, "start: 3<"));
     const Drawn two = drawn(head + "= \"sum\"" + use);
     EXPECT_EQ(two.nodes, 5 + 2);
