@@ -107,7 +107,8 @@ void GeometryRun::run(Session& session, const std::vector<Instance*>& instances,
 {
     std::vector<Function*> roots;
     for (const Instance* const instance : instances)
-        for (Function* const function : functionsOf(database_, instance->geometry, *instance))
+        for (Function* const function :
+             functionsOf(database_, instance->geometry, *instance, Gives::geometry))
             roots.push_back(function);
     Network network(roots, session.libraries);
     miTs thread(network, 0);
@@ -121,7 +122,8 @@ void GeometryRun::run(Session& session, const std::vector<Instance*>& instances,
     for (Instance* const instance : instances) {
         const StateScope scope(state);
         std::vector<miTag> results;
-        for (Function* const function : functionsOf(database_, instance->geometry, *instance)) {
+        for (Function* const function :
+             functionsOf(database_, instance->geometry, *instance, Gives::geometry)) {
             miTag result = miNULLTAG;
             call(*function, &result, state);
             if (result != miNULLTAG)

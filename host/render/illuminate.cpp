@@ -62,6 +62,27 @@ void setLight(miState& child, miState& state, const LeafLight& light, int sample
 /// Surfaces that face away from a light are not lit; what has no surface is lit from all sides.
 bool facesAway(const miState& child) { return child.dot_nd < 0.0f && child.pri && !isNull(child.normal); }
 
+/// Light shaders have no business with further lights; one that samples them, its own among them, would go on
+/// without end.
+class LightNesting {
+public:
+    LightNesting(RenderThread& thread, const LeafLight& light) : count_(thread.nestedLights)
+    {
+        if (count_ == mostNestedLights)
+            throw Error(light.light->where, "light " + inQuotes(light.light->name) +
+                                                " is sampled by shaders of lights that sample lights, " +
+                                                std::to_string(mostNestedLights) + " deep");
+        ++count_;
+    }
+    ~LightNesting() { --count_; }
+    LightNesting(const LightNesting&) = delete;
+    LightNesting& operator=(const LightNesting&) = delete;
+
+private:
+    static constexpr int mostNestedLights = 16;
+    int& count_;
+};
+
 bool isBlack(const miColor& color) { return color.r == 0.0f && color.g == 0.0f && color.b == 0.0f; }
 
 /// From the lit point towards the light.
@@ -114,6 +135,7 @@ miBoolean sampleLight(miColor& result, miVector* direction, float* cosine, miSta
         // Where a user light is, its shader alone knows.
         if (!light.user() && facesAway(child))
             continue;
+        const LightNesting nesting(thread, light);
         const StateScope scope(child);
         miColor color = {0.0f, 0.0f, 0.0f, 0.0f};
         const miBoolean answer = callAll(light.shader, &color, child);

@@ -177,7 +177,7 @@ void Textures::load(miTag tag)
     if (!texture || images_[tag])
         return;
     if (!texture->procedural.empty()) {
-        procedures_.try_emplace(tag, functionsOf(database_, texture->procedural, *texture));
+        procedures_.try_emplace(tag, functionsOf(database_, texture->procedural, *texture, Gives::texture));
         return;
     }
     images_[tag] = loaded_.emplace_back(files_.open(*texture, paths_)).get();

@@ -68,6 +68,7 @@ public:
 
     const Stage& stage;
     miTs ts;
+    int nestedLights = 0;           ///< light shaders that run within one another
     std::size_t lens = 0;           ///< how many of the camera's lenses the current sample has entered
     std::vector<bool> listedLights; ///< scratch of light lists
 

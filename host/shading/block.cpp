@@ -142,7 +142,7 @@ private:
     {
         std::unordered_map<std::string_view, const Argument*> given;
         for (const Argument& argument : arguments)
-            if (!given.insert_or_assign(argument.name, &argument).second)
+            if (!given.insert_or_assign(argument.name, &argument).second && argument.where.file)
                 message(Level::warning, "SCEN",
                         argument.where.text() + ": shader " + inQuotes(declaration_.name) + " is given " +
                             inQuotes(argument.name) + " twice, the later value counts");

@@ -172,10 +172,33 @@ void addFunctions(const Database& database, const ShaderList& list, const Elemen
 
 } // namespace
 
-std::vector<Function*> functionsOf(const Database& database, const ShaderList& list, const Element& user)
+/// Shaders write as much as they declare: a result that is not what the caller waits for would go beyond its
+/// memory, or leave most of it empty.
+static bool fits(const Field& result, Gives wanted)
+{
+    switch (wanted) {
+    case Gives::color:
+        return result.type == Type::color;
+    case Gives::texture:
+        return result.size <= sizeof(miColor) && !isTag(result.type);
+    case Gives::geometry:
+        return result.type == Type::geometry;
+    }
+    return false;
+}
+
+std::vector<Function*> functionsOf(const Database& database, const ShaderList& list, const Element& user,
+                                   Gives wanted)
 {
     std::vector<Function*> functions;
     addFunctions(database, list, user, 0, functions);
+    for (const Function* const function : functions)
+        if (const Field& result = function->declaration().result; !fits(result, wanted))
+            throw Error(user.where, std::string(kindName(user.kind)) + ' ' + inQuotes(user.name) + " lists " +
+                                        function->title() + ", which gives " + typeText(result) + ", not " +
+                                        (wanted == Gives::geometry ? "geometry"
+                                         : wanted == Gives::color  ? "a color"
+                                                                   : "a color, vector or number"));
     return functions;
 }
 

@@ -112,9 +112,13 @@ private:
     miTag phenomenon_ = miNULLTAG;
 };
 
+/// What the shaders of a list are called for: a colour, the value of a texture, or a tag.
+enum class Gives { color, texture, geometry };
+
 /// The functions of a list, with the roots of phenomena in their place. Throws Error, which names the list's
-/// user, for one that was deleted, and for phenomena that lead into themselves.
-std::vector<Function*> functionsOf(const Database& database, const ShaderList& list, const Element& user);
+/// user, for one that was deleted or gives something else, and for phenomena that lead into themselves.
+std::vector<Function*> functionsOf(const Database& database, const ShaderList& list, const Element& user,
+                                   Gives wanted = Gives::color);
 
 /// What shaders do wrong, survive, and are told once per instance.
 enum class Fault : unsigned { unbalancedPins = 1, badAccess = 2, badUnpin = 4 };

@@ -55,7 +55,9 @@ static std::string demangled(const std::string& name)
 
 /// The functions and classes of namespace VHL that are for other code.
 static const std::vector<std::string> publicFunctions = {
-    "inverseCl", "join", "split", "toDirection", "toTextureCoordinates", "transformCl"};
+    "inverseCh",   "inverseCl",   "inverseFl",   "inverseSh",
+    "join",        "split",       "toDirection", "toTextureCoordinates",
+    "transformCh", "transformCl", "transformFl", "transformSh"};
 static const std::vector<std::string> publicClasses = {
     "dAngularMapping",      "dBalance",         "dBallMapping", "dClamp",        "dColorTransform",
     "dColorTransform1",     "dColorTransform4", "dCompress",    "dCubicMapping", "dExpand",

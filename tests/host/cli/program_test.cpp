@@ -547,3 +547,30 @@ TEST_F(Program, AMillionParticles)
     EXPECT_LT(used.ru_maxrss, 1000 * 1024) << "KiB"; // what docs/host.md states, and a quarter more
 #endif
 }
+
+TEST_F(Program, ShadersInPlacesOfOthers)
+{
+    // A result of four numbers where a tag is waited for, and the other way round.
+    Scene geometry;
+    geometry.instances.insert(0, "instance \"made-i\" geometry \"vhConstColor_v2\" ( ) end instance\n");
+    geometry.instances.replace(geometry.instances.find("\"quad-i\" end instgroup"), 8,
+                               "\"quad-i\" \"made-i\"");
+    expectError(render(geometry), {"instance \"made-i\"", "vhConstColor_v2", "gives color, not geometry"});
+    Scene material;
+    material.material = "material \"m\" \"vhGeomSetAreaLightType_v1\" ( ) end material\n";
+    expectError(render(material), {"material \"m\"", "gives geometry, not a color"});
+    material.material = "material \"m\" \"vhConstScalar_v1\" ( ) end material\n";
+    expectError(render(material, {"-check"}), {"gives scalar, not a color"});
+}
+
+TEST_F(Program, ALightWhoseShaderIsLitByIt)
+{
+    Scene scene;
+    scene.head +=
+        "link \"base.so\"\n$include <base.mi>\n"
+        "light \"lamp\" \"mib_illum_lambert\" ( \"diffuse\" 1 1 1, \"mode\" 4 ) origin 0 0 5 end light\n"
+        "instance \"lamp-i\" \"lamp\" end instance\n";
+    scene.material = "material \"m\" \"mib_illum_lambert\" ( \"mode\" 4 ) end material\n";
+    scene.instances.replace(scene.instances.find("\"quad-i\" end instgroup"), 8, "\"quad-i\" \"lamp-i\"");
+    expectError(render(scene), {"scene.mi:5:", "lamp", "sample lights"});
+}

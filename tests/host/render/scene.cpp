@@ -49,6 +49,7 @@ Scene::Scene()
                                                  field(host::Type::colorTexture, "texture"),
                                                  field(host::Type::color, "color")};
     session.declarations.add(declaration("hook", field(host::Type::color, ""), parameters, 1));
+    session.declarations.add(declaration("geometry_hook", field(host::Type::geometry, ""), parameters, 1));
     *reinterpret_cast<Hook*>(session.libraries.symbol("hook_target")) = {dispatch, this};
 
     options.record.min_samples = options.record.max_samples = 0;
@@ -73,12 +74,12 @@ int Scene::number(Function function)
     return int(functions_.size()) - 1;
 }
 
-host::Function& Scene::make(int number, const std::string& texture)
+host::Function& Scene::make(const char* hook, int number, const std::string& texture)
 {
     std::vector<host::Argument> arguments = {argument("number", number)};
     if (!texture.empty())
         arguments.push_back(argument("texture", texture));
-    auto function = std::make_unique<host::Function>(*session.declarations.find("hook"), arguments,
+    auto function = std::make_unique<host::Function>(*session.declarations.find(hook), arguments,
                                                      session.database, host::Location());
     host::Function& made = *function;
     session.database.add(std::move(function));
@@ -87,7 +88,7 @@ host::Function& Scene::make(int number, const std::string& texture)
 
 host::Function& Scene::shader(Shade shade, const std::string& texture)
 {
-    return make(number([shade](void* result, miState& state, HookParameters&) {
+    return make("hook", number([shade](void* result, miState& state, HookParameters&) {
                     return shade(*static_cast<miColor*>(result), state);
                 }),
                 texture);
@@ -95,7 +96,7 @@ host::Function& Scene::shader(Shade shade, const std::string& texture)
 
 host::Function& Scene::geometry(std::function<miBoolean(miTag&, miState&)> create)
 {
-    return make(number([create](void* result, miState& state, HookParameters&) {
+    return make("geometry_hook", number([create](void* result, miState& state, HookParameters&) {
                     return create(*static_cast<miTag*>(result), state);
                 }),
                 {});

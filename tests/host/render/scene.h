@@ -58,7 +58,7 @@ public:
     std::function<void(double)> progress;
 
 private:
-    host::Function& make(int number, const std::string& texture);
+    host::Function& make(const char* hook, int number, const std::string& texture);
     static miBoolean dispatch(void* context, int number, void* result, miState* state,
                               HookParameters* parameters);
 

@@ -16,6 +16,14 @@ __attribute__((visibility("default"))) miBoolean hook(void* result, miState* sta
     return hook_target.call(hook_target.context, number, result, state, parameters);
 }
 
+__attribute__((visibility("default"))) int geometry_hook_version() { return 1; }
+
+__attribute__((visibility("default"))) miBoolean geometry_hook(miTag* result, miState* state,
+                                                               HookParameters* parameters)
+{
+    return hook(result, state, parameters);
+}
+
 __attribute__((visibility("default"))) int argued_version() { return 1; }
 
 // The coordinate that it is called with as a colour; true in the left half.
