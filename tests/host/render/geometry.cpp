@@ -180,9 +180,9 @@ TEST(Geometry, EditsLeftOpenAreClosedWithOneMessage)
     scene.look();
     EXPECT_EQ(
         messages.lines(),
-        (std::vector<std::string>{"RC   0.0  error: shader \"editor\" (hook): left 2 edits open, of instance "
+        (std::vector<std::string>{"RC   0.0  error: shader \"editor\" (geometry_hook): left 2 edits open, of instance "
                                   "\"key-i\" and light \"key\"; they are closed",
-                                  "RC   0.0  error: shader \"editor\" (hook): left an edit open, of light "
+                                  "RC   0.0  error: shader \"editor\" (geometry_hook): left an edit open, of light "
                                   "\"key\"; it is closed"}));
     EXPECT_EQ(light.record.samples_u, 9) << "what was changed stays";
     EXPECT_EQ(scene.session.database.pins(light.tag), 0);
@@ -217,9 +217,9 @@ TEST(Geometry, WhatIsNotOpenCannotBeEnded)
     const Messages messages;
     scene.look();
     EXPECT_EQ(messages.lines(),
-              (std::vector<std::string>{"RC   0.0  error: shader \"editor\" (hook): ended an edit of tag " +
+              (std::vector<std::string>{"RC   0.0  error: shader \"editor\" (geometry_hook): ended an edit of tag " +
                                             std::to_string(light.tag) + ", which is not open",
-                                        "RC   0.0  error: shader \"editor\" (hook): accessed the null tag"}));
+                                        "RC   0.0  error: shader \"editor\" (geometry_hook): accessed the null tag"}));
 }
 
 TEST(Geometry, EditsWhileRenderingAreAnError)
