@@ -133,7 +133,7 @@ private:
 static constexpr const char* notes =
     R"(For a light with a user area: one that the scene declares so, or that vhGeomSetAreaLightType_v1 makes one
 of with areaType 1. For each point lit the renderer calls the shader once per particle, and the particles' light
-adds up; the light's own numbers of samples play no part.
+adds up; the light's own numbers of samples play no part: in a scene `user` alone will do.
 
 Everything is read once, when the shader is made ready, and the log then lists the particles in messages of
 class info, colours multiplied by alpha. A point is lit by the particles that its normal turns to, and by all

@@ -117,8 +117,9 @@ penumbra of an area light, by channel. Light is gathered twice, with shadows and
 no light would arrive anyway the result is 0. Alpha is 1. Surfaces turned away from a light get none of it.
 
 With mode 1 or 2 the gathering without shadows still goes through the array as it is given, as far as the
-renderer's list is long and no further than the array: list the light instances themselves if the modes are
-to agree, or use mode 0.
+renderer's list is long and no further than the array. With mode 1 both go through the same lights if the array
+names instances of lights, not of groups. With mode 2 the one goes through all other lights and the other
+through those of the array, so that the quotient tells of shadows only where both shine alike: use mode 0.
 
 The copy of the options without shadows is made when the shader is made ready, and is as long as the record
 that this library was compiled with. Compiled with the renderer's own headers it is exact; otherwise a

@@ -37,7 +37,7 @@ light "swirl"
 {array(color + (0.035,) for color in colors)}
     ] )
     origin 0 0 0
-    user {COUNT} 1
+    user
 end light
 instance "swirl-i" "swirl" end instance
 """)

@@ -533,7 +533,7 @@ void CommandLine::adjust(Camera& camera) const
         }
     if (camera.outputs.empty() && !probe)
         throw Error(camera.where,
-                    "camera '" + camera.name + "' names no output; give it one or use -file_name");
+                    "camera " + inQuotes(camera.name) + " names no output; give it one or use -file_name");
     if (window || aspect || aperture || focal || offset || clip)
         camera.where = {};
 }
@@ -551,7 +551,8 @@ ParsedCommandLine parseCommandLine(const std::vector<std::string>& arguments)
     app.footer("Environment: MI_RAY_INCPATH, MI_LIBRARY_PATH, MI_RAY_TEXTURE_PATH: search paths, separated "
                "by ':' or "
                "';'.\n             MI_RAY_OPTIONS: options put before those of the command line.\n"
-               "Exit status: 0 when all frames are rendered, 1 after an error, 2 for a wrong call.");
+               "Exit status: 0 when all frames are rendered, 1 after an error that ends the run, 2 for a "
+               "wrong call.");
     Definition definition(app, result);
     definition.all();
 

@@ -78,7 +78,7 @@ public:
     {
         const std::string title = "frame " + std::to_string(frame) + ": ";
         if (check_ && !check_->summary().empty())
-            put(title + check_->summary() + ", nothing wrong\n");
+            put(title + check_->summary() + ", can be rendered\n");
         if (probe_ && !probe_->text().empty())
             put(title + probe_->text());
         if (profile_ && rendered)

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "host/render/stage.h"
 
+#include "host/report/message.h"
 #include "host/shading/network.h"
 
 #include <algorithm>
@@ -28,6 +29,19 @@ bool compositesOpacity(const Options& options)
     return !on || *on;
 }
 
+/// Objects move while the shutter is open, and nothing else does.
+void warnOfMotion(const Options& options, const Leaves& leaves)
+{
+    if (!options.record.motion || options.record.shutter <= 0.0f)
+        return;
+    for (const auto* const list : {&leaves.cameras(), &leaves.lights()})
+        for (const Instance* const leaf : *list)
+            if (leaf->hasMotion) {
+                message(Level::warning, "RC", "cameras and lights with a motion transform are not blurred");
+                return;
+            }
+}
+
 } // namespace
 
 Stage::Stage(Session& session, const RenderCommand& command, const Camera& theCamera,
@@ -43,6 +57,7 @@ Stage::Stage(Session& session, const RenderCommand& command, const Camera& theCa
         lenses = functionsOf(database, camera.lens, camera);
     if (!options.record.no_volume)
         volume = functionsOf(database, camera.volume, camera);
+    warnOfMotion(options, leaves);
 }
 
 void Stage::addPhenomena()

@@ -12,7 +12,11 @@ RenderThread& RenderThread::of(const miState& state)
 {
     if (RenderThread* const thread = find(state))
         return *thread;
-    throw Error("a shader asked for rays, lights or textures before rendering began");
+    const Function* const asking = runningFunction();
+    throw Error(asking ? asking->where : Location(),
+                (asking ? asking->title() : std::string("a shader")) +
+                    " asked for rays, lights or textures before rendering "
+                    "began");
 }
 
 RenderThread* RenderThread::find(const miState& state)

@@ -485,8 +485,9 @@ TEST_F(Program, CheckRendersNothing)
     const Outcome good = render(Scene(), {"-check"});
     EXPECT_EQ(good.status, 0);
     EXPECT_EQ(good.messages, "");
-    EXPECT_EQ(good.output,
-              "frame 0: 1 shader, 1 material, 0 lights, 1 object with 1 polygon in 1 place, nothing wrong\n");
+    EXPECT_EQ(
+        good.output,
+        "frame 0: 1 shader, 1 material, 0 lights, 1 object with 1 polygon in 1 place, can be rendered\n");
     EXPECT_EQ(folder.names(), std::vector<std::string>{"scene.mi"});
     Scene bad;
     bad.shaders = "color texture \"t\" \"absent.png\"\n" + bad.shaders;

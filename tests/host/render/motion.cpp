@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Motion blur against closed forms: what moves evenly covers a pixel for the share of time that it takes.
+#include "tests/harness/messages.h"
 #include "tests/host/render/scene.h"
 
 #include <gtest/gtest.h>
@@ -221,6 +222,24 @@ TEST(Motion, TheTimesOfAPixelsSamplesShareTheShutterOut)
     EXPECT_EQ(parts.size(), 256u); // one in each 256th
     EXPECT_EQ(*parts.begin(), 0);
     EXPECT_EQ(*parts.rbegin(), 255);
+}
+
+TEST(Motion, OfCamerasAndLightsIsToldToBeMissing)
+{
+    Moving scene;
+    scene.place(scene.pointLight({0, 0, 0}, [](miColor&, miState&) { return miTRUE; }));
+    const Messages messages;
+    scene.render();
+    EXPECT_TRUE(messages.lines().empty());
+    setMotion(scene.cameraInstance, moved(1, 0, 0));
+    setMotion(scene.place(scene.pointLight({0, 0, 0}, [](miColor&, miState&) { return miTRUE; })),
+              moved(1, 0, 0));
+    scene.render();
+    ASSERT_EQ(messages.lines().size(), 1u);
+    EXPECT_EQ(messages.count("cameras and lights with a motion transform are not blurred"), 1);
+    scene.options.record.motion = 0;
+    scene.render();
+    EXPECT_EQ(messages.lines().size(), 1u);
 }
 
 TEST(Motion, ThreadsDoNotChangeThePicture)
