@@ -32,7 +32,7 @@ struct LeafLight {
     bool directional() const { return light->record.type == miLIGHT_DIRECTION; }
 
     /// The shader chooses where samples lie, and how many there are.
-    bool user() const { return !directional() && light->record.area == miLIGHT_USER; }
+    bool user() const { return !directional() && areaOf(light->record) == miLIGHT_USER; }
 
     /// How many samples a surface takes at most; `level` is the sum of the surface's ray levels.
     int samples(int level) const;

@@ -361,7 +361,7 @@ std::unique_ptr<LightShape> makeShape(const Light& light, const Instance& leaf, 
                                       const Leaves& leaves)
 {
     const auto& primitive = light.record.primitive;
-    switch (light.record.area) {
+    switch (areaOf(light.record)) {
     case miLIGHT_NONE:
     case miLIGHT_USER:
         return nullptr;
@@ -382,7 +382,7 @@ std::unique_ptr<LightShape> makeShape(const Light& light, const Instance& leaf, 
     case miLIGHT_OBJECT:
         return surfaceOf(light, leaf, database, leaves);
     }
-    refuse(light, "there are no area lights of type " + std::to_string(int(light.record.area)));
+    refuse(light, "there are no area lights of type " + std::to_string(areaOf(light.record)));
 }
 
 } // namespace host

@@ -4,9 +4,19 @@
 
 #include "host/render/world.h"
 
+#include <cstring>
 #include <memory>
 
 namespace host {
+
+/// A light's kind of area. Copied as bytes, as edits may leave a number that the enumeration does not name.
+inline int areaOf(const miLight& light)
+{
+    int code;
+    static_assert(sizeof code == sizeof light.area);
+    std::memcpy(&code, &light.area, sizeof code);
+    return code;
+}
 
 /// Where a ray met a light's shape.
 struct ShapeHit {
