@@ -16,7 +16,10 @@ struct About {
     std::string_view
         apply{}; ///< where applications offer it, "lens" for example; by the result when left out
     std::optional<Kind> result{}; ///< of a result of one word, which may be a boolean, an integer or a handle
-    std::string_view notes{};     ///< what else users have to know: Markdown, for the reference page alone
+    std::string_view order{}; ///< in words: what is evaluated in which order, and what only when it is needed
+    std::string_view edges{}; ///< NaN, infinities, zero divisors, swapped bounds, empty arrays, what there is
+    std::string_view messages{}; ///< what it may write to the log, with the severity; empty: nothing
+    std::string_view notes{};    ///< what else users have to know: Markdown, for the reference page alone
 };
 
 /// A shader with everything that a scene has to know of it.
