@@ -40,8 +40,7 @@ void beginChild(Frame& frame, miState& parent, const Frame& outer, miRay_type ty
     frame.state.parent = &parent;
     frame.state.child = nullptr;
     frame.state.type = type;
-    frame.environment = outer.environment;
-    frame.volume = outer.volume;
+    frame.surroundings = outer.surroundings;
     parent.child = &frame.state;
 }
 
@@ -62,13 +61,13 @@ miBoolean callSurrounding(RenderThread& thread, Frame& frame, miTag tag, const F
 miBoolean callEnvironment(RenderThread& thread, Frame& frame, miColor& result)
 {
     clearHit(frame.state);
-    return callSurrounding(thread, frame, frame.state.environment, frame.environment, result);
+    return callSurrounding(thread, frame, frame.state.environment, frame.surroundings.environment, result);
 }
 
 /// The space that a frame's rays run through.
 void enter(Frame& frame, const FunctionList& volume)
 {
-    frame.volume = &volume;
+    frame.surroundings.volume = &volume;
     frame.state.volume = volume.empty() ? miNULLTAG : volume.front()->tag;
 }
 
@@ -119,7 +118,7 @@ miBoolean shadeHit(RenderThread& thread, Frame& frame, const Ray& ray, miColor& 
     const Surface& surface = *World::surface(hit);
     if (!surface.environment.empty()) {
         frame.state.environment = surface.environment.front()->tag;
-        frame.environment = &surface.environment;
+        frame.surroundings.environment = &surface.environment;
     }
     const StateScope scope(frame.state);
     return callAll(surface.shader, &result, frame.state);
@@ -129,7 +128,7 @@ miBoolean shadeHit(RenderThread& thread, Frame& frame, const Ray& ray, miColor& 
 miBoolean shade(RenderThread& thread, Frame& frame, const Ray& ray, miColor& result)
 {
     const miTag volume = frame.state.volume;
-    const FunctionList* const list = frame.volume;
+    const FunctionList* const list = frame.surroundings.volume;
     const miBoolean found = shadeHit(thread, frame, ray, result);
     const miBoolean seen = callSurrounding(thread, frame, volume, list, result);
     return found ? found : seen;
@@ -161,7 +160,7 @@ void fade(miColor& share, const miColor& opacity)
 miBoolean shadeEye(RenderThread& thread, Frame& frame, Ray ray, miColor& result)
 {
     const miState start = frame.state;
-    const FunctionList *const environment = frame.environment, *const volume = frame.volume;
+    const Surroundings surroundings = frame.surroundings;
     const miBoolean found = shade(thread, frame, ray, result);
     if (!thread.stage.compositesOpacity || !seesThrough(frame.opacity))
         return found;
@@ -174,8 +173,7 @@ miBoolean shadeEye(RenderThread& thread, Frame& frame, Ray ray, miColor& result)
         ray.startInstance = behind->state.instance;
         ray.startPolygon = behind->state.pri;
         behind->state = start;
-        behind->environment = environment;
-        behind->volume = volume;
+        behind->surroundings = surroundings;
         behind->opacity.reset();
         miColor color;
         shade(thread, *behind, ray, color);
@@ -318,7 +316,7 @@ SampleResult sample(RenderThread& thread, float rasterX, float rasterY, float ti
     state.importance = 1.0f;
     if (options.shutter > 0.0f)
         state.time = options.shutter_delay + time * (options.shutter - options.shutter_delay);
-    frame->environment = &stage.environment;
+    frame->surroundings.environment = &stage.environment;
     state.environment = stage.environment.empty() ? miNULLTAG : stage.environment.front()->tag;
     enter(*frame, stage.volume);
     const PrimaryRay primary = stage.rays.at(rasterX, rasterY);
