@@ -41,6 +41,7 @@ Frame& FrameScope::enter(RenderThread& thread)
         thread.frames_.push_back(std::make_unique<Frame>());
     Frame& frame = *thread.frames_[thread.depth_++];
     frame.surroundings = {};
+    frame.hit = {};
     frame.opacity.reset();
     frame.loops.clear();
     frame.lightListsInUse = 0;

@@ -43,7 +43,8 @@ struct Surroundings {
 struct Frame {
     miState state;
     Surroundings surroundings;
-    std::optional<miColor> opacity;            ///< as its shaders have set it
+    Hit hit;                        ///< of the surface that is shaded; no body elsewhere
+    std::optional<miColor> opacity; ///< as its shaders have set it
     std::vector<miVector> textures;
     std::vector<Hit> occluders;
     std::vector<LightLoop> loops;

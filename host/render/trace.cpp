@@ -17,8 +17,10 @@ constexpr miColor black = {0.0f, 0.0f, 0.0f, 0.0f};
 /// Surfaces that an eye ray may shine through before it ends.
 constexpr int mostLayers = 64;
 
-void clearHit(miState& state)
+void clearHit(Frame& frame)
 {
+    frame.hit = {};
+    miState& state = frame.state;
     state.dist = 0.0;
     state.pri = nullptr;
     state.instance = miNULLTAG;
@@ -60,7 +62,7 @@ miBoolean callSurrounding(RenderThread& thread, Frame& frame, miTag tag, const F
 
 miBoolean callEnvironment(RenderThread& thread, Frame& frame, miColor& result)
 {
-    clearHit(frame.state);
+    clearHit(frame);
     return callSurrounding(thread, frame, frame.state.environment, frame.surroundings.environment, result);
 }
 
@@ -75,7 +77,7 @@ void enter(Frame& frame, const FunctionList& volume)
 miBoolean shadeLight(Frame& frame, const LeafLight& light, const ShapeHit& hit, miColor& result)
 {
     miState& state = frame.state;
-    clearHit(state);
+    clearHit(frame);
     state.instance = state.light_instance = light.leaf->tag;
     state.label = light.light->record.label;
     state.dist = hit.distance;
@@ -266,6 +268,7 @@ double startDistance(const miVector& point)
 
 void setHit(Frame& frame, const miVector& direction, const Hit& hit, bool flip)
 {
+    frame.hit = hit;
     miState& state = frame.state;
     const Body& body = *hit.body;
     const Mesh& mesh = body.model->mesh;
@@ -345,7 +348,7 @@ miBoolean traceEye(miColor& result, miState& state, const miVector& origin, cons
     state.org = origin;
     state.dir = direction;
     beginChild(*frame, state, outer, miRAY_EYE);
-    clearHit(frame->state);
+    clearHit(*frame);
     const std::size_t lens = thread.lens;
     miBoolean found;
     if (lens < thread.stage.lenses.size()) {
@@ -399,7 +402,7 @@ miBoolean traceSecondary(miColor& result, miState& state, const miVector& direct
     ray.startInstance = state.instance;
     ray.startPolygon = state.pri;
     ray.time = shutterFraction(state);
-    clearHit(child);
+    clearHit(*frame);
     // A material's volume fills the space behind its surface; out of it, rays are in the camera's again.
     const Surface* const surface =
         type == miRAY_REFLECT ? nullptr : thread.stage.surfaces.find(state.material);
@@ -415,7 +418,7 @@ miBoolean traceProbe(miState& state, const miVector& direction, const miVector& 
     const FrameScope frame(thread);
     beginChild(*frame, state, outer, miRAY_PROBE);
     miState& child = frame->state;
-    clearHit(child);
+    clearHit(*frame);
     child.org = origin;
     child.dir = isFinite(direction) ? normalised(direction) : direction;
     if (isNull(direction) || !isFinite(direction) || !isFinite(origin))
