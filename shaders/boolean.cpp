@@ -146,8 +146,9 @@ private:
 
 static constexpr const char* bothAlways = "input1, then input2, each once; both also when the first decides.";
 static constexpr const char* untilDecided =
-    "The elements in order, each at most once, up to the one that decides; those behind it not at all. Where "
-    "the array lies and how long it is are read once, when the shader is made ready.";
+    "The elements in order, each at most once, up to the one that decides; those behind it not at all. When "
+    "the shader is made ready, once: where the array lies, how long it is, and the element at its first "
+    "place.";
 static constexpr const char* anyWord =
     "Any input is fine: 0 is off, every other word is on. The result is 0 or 1.";
 static constexpr const char* anyArray =
