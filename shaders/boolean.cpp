@@ -156,7 +156,7 @@ static constexpr const char* anyArray =
     "gives what its description says. The result is 0 or 1.";
 
 VHL_EXPORT_SHADER(vhNot_v1, vhNot, "On when the input is off.", .result = VHL::Kind::boolean,
-                  .order = "The input, once.", .edges = anyWord)
+                  .order = "input, once.", .edges = anyWord)
 VHL_EXPORT_SHADER(vhXOr_v1, vhXOr, "On when exactly one of the two inputs is on.",
                   .result = VHL::Kind::boolean, .order = bothAlways, .edges = anyWord)
 VHL_EXPORT_SHADER(vhOr_v1, vhOr,
