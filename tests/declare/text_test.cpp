@@ -31,7 +31,14 @@ static constexpr auto fields = Sample::fields();
 
 static VHL::Description sample(std::string_view name = "sample_v2", std::string_view text = "A sample.")
 {
-    return {name, "unit", 1, 2, VHL::Kind::scalar, {}, fields, {text}};
+    return {name,
+            "unit",
+            1,
+            2,
+            VHL::Kind::scalar,
+            {},
+            fields,
+            {.text = text, .order = "tint, once.", .edges = "Any input is fine."}};
 }
 
 struct Parts {
@@ -163,7 +170,9 @@ TEST(Faults, MissingLongAndForeignTextsAreTold)
     for (const char* const text : {"", "Two\nlines.",
                                    "Gr\xc3\xb6\xc3\x9f"
                                    "e."})
-        EXPECT_EQ(declare::faults(std::array{sample("a_v2", text)}).size(), 1u) << text;
+        EXPECT_EQ(declare::faults(std::array{sample("a_v2", text)}),
+                  std::vector<std::string>{"a_v2: needs a description in one line of ASCII"})
+            << text;
     auto undescribedParts = parts;
     undescribedParts[0].about = "";
     VHL::Description ofParts = sampleOfParts();
@@ -175,7 +184,21 @@ TEST(Faults, MissingLongAndForeignTextsAreTold)
     shader.fields = undescribed;
     EXPECT_EQ(declare::faults(std::array{shader}),
               std::vector<std::string>{
-                  "sample_v2: its parameter \"flag\" needs a description of one line of ASCII"});
+                  "sample_v2: its parameter \"flag\" needs a description in one line of ASCII"});
+}
+
+TEST(Faults, MissingOrdersAndEdgesAndForeignMessagesAreTold)
+{
+    VHL::Description shader = sample();
+    shader.about.messages = "Warns once.";
+    EXPECT_EQ(declare::faults(std::array{shader}), std::vector<std::string>());
+    shader.about.order = "";
+    shader.about.edges = "Two\nlines.";
+    shader.about.messages = "Two\nlines.";
+    EXPECT_EQ(declare::faults(std::array{shader}),
+              (std::vector<std::string>{"sample_v2: needs its order of evaluation in one line of ASCII",
+                                        "sample_v2: needs what happens at the edges in one line of ASCII",
+                                        "sample_v2: its messages have to be told in one line of ASCII"}));
 }
 
 TEST(Faults, NotesThatAreNotLinesOfAsciiAreTold)
