@@ -7,7 +7,7 @@
 # With UPDATE=1 in the environment the page gets the output instead; read what has changed.
 # Usage: page_test.sh PAGE PROGRAMS EXAMPLES
 set -eu
-page=$(realpath "$1") programs=$2 examples=$3
+page=$(realpath "$1") programs=$(realpath "$2") examples=$(realpath "$3")
 
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
@@ -16,6 +16,7 @@ cp -r "$examples" "$folder/examples"
 mkdir "$folder/home"
 cd "$folder/examples"
 
+unset "${!MI_@}"
 run() { env PATH="$programs:$PATH" HOME="$folder/home" TERM=dumb bash -c "$1" 2>&1 </dev/null | sed 's/ *$//'; }
 
 scene() # text of a block
