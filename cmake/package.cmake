@@ -37,8 +37,8 @@ install(FILES ${PROJECT_BINARY_DIR}/vhl.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/p
 
 # What people read: manual, examples, manual pages and completion. Links between docs/ and examples/ hold, since both
 # lie side by side in every layout.
-install(FILES README.md CHANGELOG.md LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT vhl)
-install(DIRECTORY docs examples DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT vhl
+install(FILES README.md CHANGELOG.md LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT manual)
+install(DIRECTORY docs examples DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT manual
         PATTERN man EXCLUDE REGEX "examples/CMakeLists.txt$" EXCLUDE)
 if(VHL_HOST)
     install(FILES docs/man/vhrender.1 docs/man/vhpano.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT host)
@@ -53,7 +53,11 @@ if(VHL_HOST)
 endif()
 
 # Packages: `cpack -G TGZ` writes a folder that runs wherever it is unpacked, `cpack -G DEB` one for Debian.
-set(CPACK_GENERATOR TGZ DEB)
+find_program(VHL_SHLIBDEPS dpkg-shlibdeps DOC "Finds what a Debian package depends on; without it there is none")
+set(CPACK_GENERATOR TGZ)
+if(VHL_SHLIBDEPS)
+    list(APPEND CPACK_GENERATOR DEB)
+endif()
 set(CPACK_PACKAGE_VENDOR "the vhl maintainers")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "composable utility shaders and a stand-in renderer")
 set(CPACK_PACKAGE_DESCRIPTION "Small utility shaders for the mental ray renderer in one shared library: arithmetic, ranges,

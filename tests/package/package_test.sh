@@ -85,7 +85,8 @@ field Description >"$folder/description"
 root=$folder/root
 mkdir -p "$root/var/lib/dpkg/"{info,updates,triggers}
 touch "$root/var/lib/dpkg/"{status,available}
-install() { dpkg --root="$root" --force-depends --force-bad-path --log="$folder/dpkg" "$@" >"$folder/log" 2>&1; }
+# (Some containers leave manuals out.)
+install() { dpkg --root="$root" --path-include='/usr/share/*' --force-depends --force-bad-path --log="$folder/dpkg" "$@" >"$folder/log" 2>&1; }
 if [[ $EUID -eq 0 ]]; then
     install -i "$package" || fail "$(cat "$folder/log")"
 else # nobody else may give files to root
