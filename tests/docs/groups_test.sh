@@ -10,6 +10,7 @@ for page in docs/reference/*.md; do
 done
 for page in docs/*.md; do
     name=${page#docs/}
-    [[ $name == README.md ]] || grep -qF "]($name)" docs/README.md || { echo "docs/README.md does not lead to $page" >&2; missing=1; }
+    [[ $name == README.md ]] || grep -qF "]($name)" docs/README.md ||
+        { echo "docs/README.md does not lead to $page" >&2; missing=1; }
 done
 exit $missing

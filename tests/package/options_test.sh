@@ -36,7 +36,8 @@ page=$source/docs/man/$name.1
 sed -nE 's/^\.It Fl ([A-Za-z_-]+)( , Fl ([A-Za-z_-]+))?.*/-\1\n-\3/p' "$page" | grep -v '^-$' | sort >"$folder/page"
 same page
 variables() { grep -oE "$1"'MI_[A-Z_]+' "$2" | grep -oE 'MI_[A-Z_]+' | sort -u; }
-diff <(variables '' "$folder/text") <(variables '^\.It Ev ' "$page") >&2 || fail "$page: other variables (>) than in the help"
+diff <(variables '' "$folder/text") <(variables '^\.It Ev ' "$page") >&2 ||
+    fail "$page: other variables (>) than in the help"
 for status in 0 1 2; do
     grep -qx "\.It $status" "$page" || fail "$page does not tell of exit status $status"
 done

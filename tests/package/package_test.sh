@@ -62,7 +62,8 @@ check_installed() # prefix, folder of docs/ and examples/
 mkdir "$folder/some where"
 tar xf "$archive" -C "$folder/some where"
 unpacked=("$folder/some where"/*)
-[[ ${#unpacked[@]} -eq 1 && $(basename "$unpacked") == "$(basename "$archive" .tar.gz)" ]] || fail "unpacks as ${unpacked[*]}"
+[[ ${#unpacked[@]} -eq 1 && $(basename "$unpacked") == "$(basename "$archive" .tar.gz)" ]] ||
+    fail "unpacks as ${unpacked[*]}"
 [[ $(ls "$unpacked" | paste -sd' ') == "CHANGELOG.md LICENSE README.md bin docs examples include lib share" ]] ||
     fail "the archive holds $(ls "$unpacked")"
 [[ -s $unpacked/lib/libvhl.so && -s $unpacked/include/vhl.mi ]] || fail "the archive has no library"
@@ -86,7 +87,11 @@ root=$folder/root
 mkdir -p "$root/var/lib/dpkg/"{info,updates,triggers}
 touch "$root/var/lib/dpkg/"{status,available}
 # (Some containers leave manuals out.)
-install() { dpkg --root="$root" --path-include='/usr/share/*' --force-depends --force-bad-path --log="$folder/dpkg" "$@" >"$folder/log" 2>&1; }
+install()
+{
+    dpkg --root="$root" --path-include='/usr/share/*' --force-depends --force-bad-path --log="$folder/dpkg" "$@" \
+        >"$folder/log" 2>&1
+}
 if [[ $EUID -eq 0 ]]; then
     install -i "$package" || fail "$(cat "$folder/log")"
 else # nobody else may give files to root
@@ -96,7 +101,7 @@ else # nobody else may give files to root
 fi
 (cd "$root" && md5sum --quiet -c var/lib/dpkg/info/vhl.md5sums) || fail "files differ from their sums"
 check_installed "$root/usr" "$root/usr/share/doc/vhl"
-for file in lib/vhl/lib/libvhl.so lib/vhl/lib/base.so lib/vhl/include/vhl.mi lib/vhl/include/base.mi share/doc/vhl/copyright; do
+for file in lib/vhl/{lib/libvhl.so,lib/base.so,include/vhl.mi,include/base.mi} share/doc/vhl/copyright; do
     [[ -s $root/usr/$file ]] || fail "/usr/$file is missing"
 done
 [[ -n $(zcat "$root/usr/share/doc/vhl/changelog.gz") ]] || fail "no list of changes"
