@@ -32,6 +32,28 @@ run(${CMAKE_COMMAND} --build ${work}/cmake)
 run(${work}/cmake/consumer)
 expect("${printed}")
 
+# The program that the manual shows, by its own CMakeLists.txt and with pkg-config below.
+file(READ ${source}/docs/cpp.md page)
+function(shown language result)
+    string(FIND "${page}" "\n```${language}\n" begin)
+    string(LENGTH "\n```${language}\n" length)
+    math(EXPR begin "${begin} + ${length}")
+    string(SUBSTRING "${page}" ${begin} -1 rest)
+    string(FIND "${rest}" "```" end)
+    string(SUBSTRING "${rest}" 0 ${end} text)
+    set(${result} "${text}" PARENT_SCOPE)
+endfunction()
+shown(cmake lists)
+shown(cpp code)
+shown(text told)
+file(WRITE ${work}/manual/CMakeLists.txt "${lists}")
+file(WRITE ${work}/manual/program.cpp "${code}")
+run(${CMAKE_COMMAND} -S ${work}/manual -B ${work}/manual/build -G ${generator} -DCMAKE_PREFIX_PATH=${prefix}
+    -DCMAKE_CXX_COMPILER=${compiler} -DCMAKE_CXX_FLAGS=${flags})
+run(${CMAKE_COMMAND} --build ${work}/manual/build)
+run(${work}/manual/build/program)
+expect("${told}")
+
 # The example that people begin from, which draws the manual's pictures.
 run(${CMAKE_COMMAND} -S ${source}/examples/noise -B ${work}/noise -G ${generator} -DCMAKE_PREFIX_PATH=${prefix}
     -DCMAKE_CXX_COMPILER=${compiler} -DCMAKE_CXX_FLAGS=${flags})
@@ -53,6 +75,10 @@ separate_arguments(options UNIX_COMMAND "${options}")
 run(${compiler} -std=c++20 -Wall -Wextra -Werror ${project}/main.cpp ${options} -o ${work}/consumer)
 run(${work}/consumer)
 expect("${printed}")
+
+run(${compiler} -std=c++20 -Wall -Wextra -Werror ${work}/manual/program.cpp ${options} -o ${work}/manual/program)
+run(${work}/manual/program)
+expect("${told}")
 
 # Roundings are contract outside as well: no fused multiply and add, even where the machine has one.
 run(${compiler} -std=c++20 -O2 -mfma ${project}/main.cpp ${options} -S -o -)
