@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Buttons that copy the text beside them.
+'use strict';
+
+(() => {
+  // Where a browser keeps the clipboard from pages on a disk, the old way through the selection is open.
+  const copySelected = element => {
+    getSelection().selectAllChildren(element);
+    return document.execCommand('copy') ? Promise.resolve() : Promise.reject();
+  };
+  const copy = element =>
+    (navigator.clipboard?.writeText(element.textContent) ?? Promise.reject()).catch(() => copySelected(element));
+
+  for (const button of document.querySelectorAll('.copyable button')) {
+    const say = text => {
+      button.textContent = text;
+      setTimeout(() => { button.textContent = 'Copy'; }, 2000);
+    };
+    button.setAttribute('aria-live', 'polite');
+    button.addEventListener('click', () =>
+      copy(button.parentElement.querySelector('code')).then(() => say('Copied'), () => say('Not copied')));
+    button.hidden = false;
+  }
+})();
