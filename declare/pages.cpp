@@ -10,6 +10,18 @@
 
 namespace declare {
 
+std::string captionOf(std::string_view scene)
+{
+    std::string caption;
+    while (scene.starts_with('#')) {
+        const std::string_view line = scene.substr(0, scene.find('\n'));
+        if (line.size() > 2 && !line.starts_with("# SPDX"))
+            caption += (caption.empty() ? "" : " ") + std::string(line.substr(2));
+        scene.remove_prefix(std::min(scene.size(), line.size() + 1));
+    }
+    return caption;
+}
+
 /// A part of a page that its list of contents names.
 struct Section {
     std::string_view id, title;
@@ -206,13 +218,32 @@ static Html result(const Catalog& catalog, const Shader& shader)
 }
 
 /// Scene text under a bar with its name and a button, which the script shows where it can copy.
-static Html copyable(const Catalog& catalog, const Shader& shader, std::string_view title,
-                     std::string_view text)
+static Html copyable(const Catalog& catalog, const Shader& shader, const Html& title, std::string_view text)
 {
-    return html(
-        "<div class=\"copyable\"><div><span>{}</span><button type=\"button\" hidden>Copy</button></div>\n"
-        "<pre tabindex=\"0\"><code>{}</code></pre></div>\n",
-        title, scene(catalog, &shader, text));
+    return html("<div class=\"copyable\"><div>{}<button type=\"button\" hidden>Copy</button></div>\n"
+                "<pre tabindex=\"0\"><code>{}</code></pre></div>\n",
+                title, scene(catalog, &shader, text));
+}
+
+static Html example(const Catalog& catalog, const Exhibits& exhibits, const Shader& shader)
+{
+    const auto found = exhibits.scenes.find(shader.name);
+    if (found == exhibits.scenes.end())
+        return {};
+    return html("<p>To render it here: <code>vhrender scenes/{}.mi</code></p>\n{}", shader.name,
+                copyable(catalog, shader,
+                         html(R"(<a href="scenes/{}.mi">{}.mi</a>)", shader.name, shader.name),
+                         found->second));
+}
+
+static Html figure(const Catalog& catalog, const Exhibits& exhibits, const Shader& shader)
+{
+    const Html shown = picture(exhibits, shader, "Rendered with " + std::string(shader.name));
+    if (shown.empty())
+        return {};
+    const auto scene = exhibits.scenes.find(shader.name);
+    const std::string caption = scene == exhibits.scenes.end() ? "" : captionOf(scene->second);
+    return html("<figure>{}<figcaption>{}</figcaption></figure>\n", shown, line(catalog, shader, caption));
 }
 
 static Html relatives(const Catalog& catalog, const Shader& shader)
@@ -236,7 +267,6 @@ static std::vector<Section> sections(const Catalog& catalog, const Exhibits& exh
     const auto words = [&](std::string_view text) {
         return text.empty() ? Html() : blocks(catalog, shader, text);
     };
-    const auto example = exhibits.scenes.find(shader.name);
     std::vector<Section> all = {
         {"parameters", "Parameters", parameters(catalog, shader)},
         {"result", "Result", result(catalog, shader)},
@@ -244,11 +274,9 @@ static std::vector<Section> sections(const Catalog& catalog, const Exhibits& exh
         {"edges", "Edges", words(shader.about.edges)},
         {"messages", "Messages", words(shader.about.messages.empty() ? "None." : shader.about.messages)},
         {"notes", "Notes", words(shader.about.notes)},
-        {"example", "Example",
-         example == exhibits.scenes.end()
-             ? Html()
-             : copyable(catalog, shader, std::string(shader.name) + ".mi", example->second)},
-        {"declaration", "Declaration", copyable(catalog, shader, "vhl.mi", declaration(shader))},
+        {"example", "Example", example(catalog, exhibits, shader)},
+        {"declaration", "Declaration",
+         copyable(catalog, shader, html("<span>vhl.mi</span>"), declaration(shader))},
         {"related", "See also", relatives(catalog, shader)},
     };
     std::erase_if(all, [](const Section& section) { return section.content.empty(); });
@@ -269,9 +297,6 @@ std::string shaderPage(const Catalog& catalog, const Exhibits& exhibits, const S
         parts += html("<section aria-labelledby=\"{}\">\n<h2 id=\"{}\">{}</h2>\n{}</section>\n", section.id,
                       section.id, section.title, section.content);
     }
-    Html shown = picture(exhibits, shader, "Rendered with " + std::string(shader.name));
-    if (!shown.empty())
-        shown = html("<figure>{}</figure>\n", shown);
     return wholePage(
         std::string(shader.name) + " - vhl", shader.about.text, navigation(catalog, &group, shader.name),
         html(
@@ -285,7 +310,7 @@ std::string shaderPage(const Catalog& catalog, const Exhibits& exhibits, const S
 {}</div>
 )",
             group.name, group.title, breakable(shader.name), line(catalog, shader, shader.about.text),
-            type(typeName(shader.result)), std::size_t(shader.version), shown) +
+            type(typeName(shader.result)), std::size_t(shader.version), figure(catalog, exhibits, shader)) +
             html("<nav class=\"contents\" aria-label=\"On this page\">\n<ul>\n{}</ul>\n</nav>\n{}"
                  "<nav class=\"steps\" aria-label=\"Previous and next\">\n{}{}</nav>\n",
                  contents, parts,

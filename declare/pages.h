@@ -24,6 +24,9 @@ std::string shaderPage(const Catalog& catalog, const Exhibits& exhibits, const S
 /// What the pages search in, as a script, for pages that are opened from a disk may load nothing else.
 std::string searchIndex(const Catalog& catalog);
 
+/// What a scene's first comment says is seen; empty without one.
+std::string captionOf(std::string_view scene);
+
 /// Writes all of it to a folder, with the pictures and scenes that the sources have.
 void writePages(const Catalog& catalog, const std::filesystem::path& folder,
                 const std::filesystem::path& source);

@@ -27,12 +27,15 @@ void writePages(const Catalog& catalog, const fs::path& folder, const fs::path& 
                                  ": no group takes its unit, see declare/catalog.cpp");
 
     const fs::path pictures = source / "docs/pictures/shaders";
-    const Exhibits shown = exhibits(catalog, pictures, source / "examples/shaders");
+    const fs::path scenes = source / "examples/shaders";
+    const Exhibits shown = exhibits(catalog, pictures, scenes);
 
     // Written anew, so that no page outlives its shader.
     fs::remove_all(folder);
     fs::create_directories(folder / "pictures");
     fs::copy(source / "declare/site", folder / "assets", fs::copy_options::recursive);
+    if (fs::exists(scenes)) // with the stage that they share
+        fs::copy(scenes, folder / "scenes", fs::copy_options::recursive);
     for (const std::string& name : shown.pictures)
         fs::copy_file(pictures / (name + ".png"), folder / "pictures" / (name + ".png"));
     writeFile(folder / "assets/index.js", searchIndex(catalog));

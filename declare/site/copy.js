@@ -18,7 +18,7 @@
     };
     button.setAttribute('aria-live', 'polite');
     button.addEventListener('click', () =>
-      copy(button.parentElement.querySelector('code')).then(() => say('Copied'), () => say('Not copied')));
+      copy(button.closest('.copyable').querySelector('code')).then(() => say('Copied'), () => say('Not copied')));
     button.hidden = false;
   }
 })();
