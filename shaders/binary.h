@@ -54,6 +54,11 @@ struct ColorPair {
     }
 };
 
+inline constexpr std::string_view pairOrder = "input1, then input2, each once.";
+inline constexpr std::string_view colorPairOrder =
+    "input1, input2, useAlpha1 and useAlpha2, each once; then alpha1 only while useAlpha1 is off, and alpha2 "
+    "only while useAlpha2 is off.";
+
 /// Both operands, evaluated in field order.
 template <class T, class Role>
 std::pair<Value<T>, Value<T>> operands(miState* state, Pair<T, Role>& p)

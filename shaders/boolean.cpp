@@ -144,25 +144,36 @@ private:
     Elements elements_;
 };
 
-VHL_EXPORT_SHADER(vhNot_v1, vhNot, "On when the input is off.", .result = VHL::Kind::boolean)
+static constexpr const char* bothAlways = "input1, then input2, each once; both also when the first decides.";
+static constexpr const char* untilDecided =
+    "The elements in order, each at most once, up to the one that decides; those behind it not at all. Where "
+    "the array lies and how long it is are read once, when the shader is made ready.";
+static constexpr const char* anyWord =
+    "Any input is fine: 0 is off, every other word is on. The result is 0 or 1.";
+static constexpr const char* anyArray =
+    "Any element is fine: 0 is off, every other word is on. An array of no elements decides nothing and "
+    "gives what its description says. The result is 0 or 1.";
+
+VHL_EXPORT_SHADER(vhNot_v1, vhNot, "On when the input is off.", .result = VHL::Kind::boolean,
+                  .order = "The input, once.", .edges = anyWord)
 VHL_EXPORT_SHADER(vhXOr_v1, vhXOr, "On when exactly one of the two inputs is on.",
-                  .result = VHL::Kind::boolean)
+                  .result = VHL::Kind::boolean, .order = bothAlways, .edges = anyWord)
 VHL_EXPORT_SHADER(vhOr_v1, vhOr,
                   "On when at least one of the two inputs is on. Both are always evaluated; vhOr_v2 stops at "
                   "the first that is on.",
-                  .result = VHL::Kind::boolean)
+                  .result = VHL::Kind::boolean, .order = bothAlways, .edges = anyWord)
 VHL_EXPORT_SHADER(
     vhAnd_v1, vhAnd,
     "On when both inputs are on. Both are always evaluated; vhAnd_v2 stops at the first that is "
     "off.",
-    .result = VHL::Kind::boolean)
+    .result = VHL::Kind::boolean, .order = bothAlways, .edges = anyWord)
 VHL_EXPORT_SHADER(
     vhOr_v2, vhOrArray,
     "On when at least one element is on, off for an empty array. Elements behind the first that "
     "is on are not evaluated.",
-    .result = VHL::Kind::boolean)
+    .result = VHL::Kind::boolean, .order = untilDecided, .edges = anyArray)
 VHL_EXPORT_SHADER(
     vhAnd_v2, vhAndArray,
     "On when every element is on, and for an empty array. Elements behind the first that is off "
     "are not evaluated.",
-    .result = VHL::Kind::boolean)
+    .result = VHL::Kind::boolean, .order = untilDecided, .edges = anyArray)

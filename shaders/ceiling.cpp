@@ -7,6 +7,10 @@
 
 static constexpr auto roundUp = [](float a) { return std::ceil(a); };
 
+static constexpr const char* edges =
+    "Any input is fine. NaN, infinities and -0 stay as they are, as does every number from 8388608 on, of "
+    "either sign, which is whole already; an input between -1 and 0 gives -0.";
+
 struct _vhCeilScalarParams : VHL::Single<miScalar> {};
 struct _vhCeilVectorParams : VHL::Single<miVector> {};
 struct _vhCeilColor_v2Params : VHL::Single<miColor> {}; // version 2 without an alpha of its own, deliberately
@@ -32,8 +36,11 @@ struct vhCeilColorv2 final : VHL::dMentalRayShader<miColor, _vhCeilColor_v2Param
     }
 };
 
-VHL_EXPORT_SHADER(vhCeilScalar_v1, vhCeilScalar, "The nearest whole number at or above the input.")
+VHL_EXPORT_SHADER(vhCeilScalar_v1, vhCeilScalar, "The nearest whole number at or above the input.",
+                  .order = VHL::singleOrder, .edges = edges)
 VHL_EXPORT_SHADER(vhCeilVector_v1, vhCeilVector,
-                  "The nearest whole number at or above the input, component by component.")
+                  "The nearest whole number at or above the input, component by component.",
+                  .order = VHL::singleOrder, .edges = edges)
 VHL_EXPORT_SHADER(vhCeilColor_v2, vhCeilColorv2,
-                  "The nearest whole number at or above the input, channel by channel, alpha included.")
+                  "The nearest whole number at or above the input, channel by channel, alpha included.",
+                  .order = VHL::singleOrder, .edges = edges)

@@ -70,8 +70,15 @@ struct vhReorderVector final : VHL::dMentalRayShader<miVector, _vhReorderVectorP
     }
 };
 
+static constexpr const char* order = "input, then order, each once.";
+static constexpr const char* edges =
+    "Any input is fine; NaN, infinities and -0 move as they are. Letters beyond the last component are "
+    "ignored, and without a text the input passes.";
+
 VHL_EXPORT_SHADER(vhReorderColor_v1, vhReorderColor,
                   "The channels of the input in another order: bgra swaps red and blue, rgb1 makes opaque, "
-                  "aaaa shows alpha.")
+                  "aaaa shows alpha.",
+                  .order = order, .edges = edges)
 VHL_EXPORT_SHADER(vhReorderVector_v1, vhReorderVector,
-                  "The components of the input in another order: zyx swaps x and z, xy0 projects along z.")
+                  "The components of the input in another order: zyx swaps x and z, xy0 projects along z.",
+                  .order = order, .edges = edges)

@@ -14,4 +14,5 @@ struct vhClampScalar final : VHL::dMentalRayShader<miScalar, _vhClampScalarParam
 
 VHL_EXPORT_SHADER(vhClampScalar_v1, vhClampScalar,
                   "The input held between lower and upper: lower for an input below it, else upper for an "
-                  "input above it; NaN passes.")
+                  "input above it; NaN passes.",
+                  .order = VHL::rangeOrder, .edges = VHL::clampEdges)

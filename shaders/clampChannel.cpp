@@ -83,7 +83,13 @@ struct vhClampChannelColor_v1 final : VHL::dMentalRayShader<miColor, _vhClampCha
 
 VHL_EXPORT_SHADER(vhClampVector_v2, vhClampChannelVector_v1,
                   "Each component that is switched on, held between those of lower and upper: lower for an "
-                  "input below it, else upper for an input above it; NaN passes.")
+                  "input below it, else upper for an input above it; NaN passes.",
+                  .order = "input, lower and upper, then clampX, clampY and clampZ in turn; each once.",
+                  .edges = VHL::clampEdges)
 VHL_EXPORT_SHADER(vhClampColor_v3, vhClampChannelColor_v1,
                   "Each channel that is switched on, held between those of lower and upper: lower for an "
-                  "input below it, else upper for an input above it; NaN passes.")
+                  "input below it, else upper for an input above it; NaN passes.",
+                  .order = "input, lower, upper, useAlphaLower and useAlphaUpper; alphaLower only while "
+                           "useAlphaLower is off, and alphaUpper only while useAlphaUpper is off; then "
+                           "clampR, clampG, clampB and clampA in turn. Each once.",
+                  .edges = VHL::clampEdges)

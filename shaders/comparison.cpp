@@ -183,43 +183,60 @@ struct _vhInRasterPositionRangeParams {
     }
 };
 
+static constexpr const char* bothSides = "input1, then input2, each once; always both.";
+static constexpr const char* equality =
+    "No tolerance: the next float is another number. 0 equals -0, an infinity equals itself, and with a NaN "
+    "on either side the result is off.";
+static constexpr const char* inequality =
+    "No tolerance: the next float is another number. 0 equals -0, an infinity equals itself, and with a NaN "
+    "on either side the result is on.";
+static constexpr const char* ordering =
+    "No tolerance. 0 and -0 are equal, infinities lie beyond all numbers, and with a NaN on either side the "
+    "result is off, unless it is in an alpha, which is ignored.";
+
 // Six relations of three kinds; the macro spells their names and holds no logic.
-#define RELATION(Name, Of, test, description)                                                                \
+#define RELATION(Name, Of, test, itsEdges, description)                                                      \
     struct vh##Name##Of final : VHL::dMentalRayShader<miBoolean, _vh##Of##ComparisonParams, 1> {             \
         int execute(miBoolean* result, miState* state, Params* params) override                              \
         {                                                                                                    \
             return compare(test, result, state, *params);                                                    \
         }                                                                                                    \
     };                                                                                                       \
-    VHL_EXPORT_SHADER(vh##Name##Of##_v1, vh##Name##Of, description, .result = VHL::Kind::boolean)
+    VHL_EXPORT_SHADER(vh##Name##Of##_v1, vh##Name##Of, description, .result = VHL::Kind::boolean,            \
+                      .order = bothSides, .edges = itsEdges)
 
-RELATION(Equal, Scalar, equal, "Whether input1 = input2 without a tolerance; 0 equals -0; false for NaN.")
-RELATION(NotEqual, Scalar, different, "Whether input1 and input2 differ at all; 0 equals -0; true for NaN.")
-RELATION(LessThan, Scalar, less, "Whether input1 < input2; false for NaN.")
-RELATION(LessThanOrEqual, Scalar, lessOrEqual, "Whether input1 <= input2; false for NaN.")
-RELATION(GreaterThan, Scalar, greater, "Whether input1 > input2; false for NaN.")
-RELATION(GreaterThanOrEqual, Scalar, greaterOrEqual, "Whether input1 >= input2; false for NaN.")
+RELATION(Equal, Scalar, equal, equality,
+         "Whether input1 = input2 without a tolerance; 0 equals -0; false for NaN.")
+RELATION(NotEqual, Scalar, different, inequality,
+         "Whether input1 and input2 differ at all; 0 equals -0; true for NaN.")
+RELATION(LessThan, Scalar, less, ordering, "Whether input1 < input2; false for NaN.")
+RELATION(LessThanOrEqual, Scalar, lessOrEqual, ordering, "Whether input1 <= input2; false for NaN.")
+RELATION(GreaterThan, Scalar, greater, ordering, "Whether input1 > input2; false for NaN.")
+RELATION(GreaterThanOrEqual, Scalar, greaterOrEqual, ordering, "Whether input1 >= input2; false for NaN.")
 
-RELATION(Equal, Color, equal, "Whether all four channels are equal, alpha included; false for NaN.")
-RELATION(NotEqual, Color, different,
+RELATION(Equal, Color, equal, equality, "Whether all four channels are equal, alpha included; false for NaN.")
+RELATION(NotEqual, Color, different, inequality,
          "Whether any of the four channels differs, alpha included; true for NaN.")
-RELATION(LessThan, Color, less, "Whether red, green and blue are each <, alpha ignored; false for NaN.")
-RELATION(LessThanOrEqual, Color, lessOrEqual,
+RELATION(LessThan, Color, less, ordering,
+         "Whether red, green and blue are each <, alpha ignored; false for NaN.")
+RELATION(LessThanOrEqual, Color, lessOrEqual, ordering,
          "Whether red, green and blue are each <=, alpha ignored; false for NaN.")
-RELATION(GreaterThan, Color, greater, "Whether red, green and blue are each >, alpha ignored; false for NaN.")
-RELATION(GreaterThanOrEqual, Color, greaterOrEqual,
+RELATION(GreaterThan, Color, greater, ordering,
+         "Whether red, green and blue are each >, alpha ignored; false for NaN.")
+RELATION(GreaterThanOrEqual, Color, greaterOrEqual, ordering,
          "Whether red, green and blue are each >=, alpha ignored; false for NaN.")
 
-RELATION(Equal, Vector, equal, "Whether x, y and z are all equal; false for NaN.")
+RELATION(Equal, Vector, equal, equality, "Whether x, y and z are all equal; false for NaN.")
 // Deliberately the test for equality: scenes rely on what this shader has always answered.
 RELATION(
-    NotEqual, Vector, equal,
+    NotEqual, Vector, equal, equality,
     "Despite its name: whether x, y and z are all equal, as vhEqualVector_v1; negate that one to ask for a "
     "difference.")
-RELATION(LessThan, Vector, less, "Whether x, y and z are each <; false for NaN.")
-RELATION(LessThanOrEqual, Vector, lessOrEqual, "Whether x, y and z are each <=; false for NaN.")
-RELATION(GreaterThan, Vector, greater, "Whether x, y and z are each >; false for NaN.")
-RELATION(GreaterThanOrEqual, Vector, greaterOrEqual, "Whether x, y and z are each >=; false for NaN.")
+RELATION(LessThan, Vector, less, ordering, "Whether x, y and z are each <; false for NaN.")
+RELATION(LessThanOrEqual, Vector, lessOrEqual, ordering, "Whether x, y and z are each <=; false for NaN.")
+RELATION(GreaterThan, Vector, greater, ordering, "Whether x, y and z are each >; false for NaN.")
+RELATION(GreaterThanOrEqual, Vector, greaterOrEqual, ordering,
+         "Whether x, y and z are each >=; false for NaN.")
 #undef RELATION
 
 struct vhInRangeScalar final : VHL::dMentalRayShader<miBoolean, _vhInRangeScalarParams, 1> {
@@ -269,28 +286,39 @@ struct vhInRasterPositionRange final : VHL::dMentalRayShader<miBoolean, _vhInRas
     }
 };
 
+static constexpr const char* rangeInOrder =
+    "input, lower, upper, includeLower, includeUpper, each once; always all of them.";
+static constexpr const char* emptyRange =
+    "Nothing lies between ends that are the wrong way round, in one component or in all, nor anything where "
+    "a NaN is compared. Between equal ends lies what equals them, while both are included. An infinite end "
+    "leaves its side open.";
+
 VHL_EXPORT_SHADER(vhInRangeScalar_v1, vhInRangeScalar,
                   "Whether the input lies between lower and upper, each end included or not; false for NaN.",
-                  .result = VHL::Kind::boolean)
+                  .result = VHL::Kind::boolean, .order = rangeInOrder, .edges = emptyRange)
 VHL_EXPORT_SHADER(
     vhInRangeColor_v1, vhInRangeColor,
     "Whether red, green and blue each lie between those of lower and upper, each end included or "
     "not; alpha ignored; false for NaN.",
-    .result = VHL::Kind::boolean)
+    .result = VHL::Kind::boolean, .order = rangeInOrder, .edges = emptyRange)
 VHL_EXPORT_SHADER(vhInRangeVector_v1, vhInRangeVector,
                   "Whether x, y and z each lie between those of lower and upper, each end included or not; "
                   "false for NaN.",
-                  .result = VHL::Kind::boolean)
+                  .result = VHL::Kind::boolean, .order = rangeInOrder, .edges = emptyRange)
 VHL_EXPORT_SHADER(
     vhInBetweenVector_v1, vhInBetweenVector,
     "Whether a point lies between the planes through start and end, upright on the line between "
     "them, however far from that line; the planes count, and NaN is true.",
-    .result = VHL::Kind::boolean)
+    .result = VHL::Kind::boolean, .order = "start, then input, then end, each once.",
+    .edges = "Equal start and end, and a NaN anywhere: on, as it is asked what lies outside. Infinite "
+             "coordinates count where the line runs along them; across it they make a NaN.")
 VHL_EXPORT_SHADER(
     vhInRasterPositionRange_v1, vhInRasterPositionRange,
     "Whether the sample lies in a rectangle of the picture, in pixels; the lower edges included "
     "or not, and the upper ones.",
-    .result = VHL::Kind::boolean)
+    .result = VHL::Kind::boolean,
+    .order = "lowerX, lowerY, upperX, upperY, includeLower, includeUpper, each once; always all of them.",
+    .edges = emptyRange)
 
 // ---- the name of the object being shaded
 
@@ -338,4 +366,8 @@ VHL_EXPORT_SHADER(
     vhIsObject_v1, vhIsObject,
     "Whether the instance being shaded bears the name, letter by letter but for upper and lower "
     "case. Asked once for each instance; later samples know.",
-    .result = VHL::Kind::boolean)
+    .result = VHL::Kind::boolean,
+    .order = "objectName once, when the shader is made ready. Samples evaluate nothing: an instance is named "
+             "and compared at its first one, and the answer is kept.",
+    .edges = "An empty objectName fits instances without a name, and no others. Which letters have two cases "
+             "is up to the program's locale: those of ASCII, unless the program sets another.")

@@ -7,6 +7,9 @@ static constexpr auto compress = [](float input, float lower, float upper) {
     return lower + input * (upper - lower);
 };
 
+static constexpr const char* edges = "Bounds the wrong way round turn the result round, and equal ones give "
+                                     "that number. A NaN gives NaN, an infinite bound an infinity or NaN.";
+
 namespace {
 
 struct Target {
@@ -44,10 +47,13 @@ struct vhCompressColorv2 final : VHL::dMentalRayShader<miColor, _vhCompressColor
 
 VHL_EXPORT_SHADER(vhCompressScalar_v1, vhCompressScalar,
                   "lower + input * (upper - lower): 0 to 1 becomes lower to upper; inputs beyond 0 and 1 go "
-                  "beyond the bounds.")
+                  "beyond the bounds.",
+                  .order = VHL::rangeOrder, .edges = edges)
 VHL_EXPORT_SHADER(vhCompressVector_v1, vhCompressVector,
                   "lower + input * (upper - lower), component by component: 0 to 1 becomes lower to upper; "
-                  "inputs beyond 0 and 1 go beyond the bounds.")
+                  "inputs beyond 0 and 1 go beyond the bounds.",
+                  .order = VHL::rangeOrder, .edges = edges)
 VHL_EXPORT_SHADER(vhCompressColor_v2, vhCompressColorv2,
                   "lower + input * (upper - lower), channel by channel, alpha included: 0 to 1 becomes lower "
-                  "to upper; inputs beyond 0 and 1 go beyond the bounds.")
+                  "to upper; inputs beyond 0 and 1 go beyond the bounds.",
+                  .order = VHL::colorRangeOrder, .edges = edges)

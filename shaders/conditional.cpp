@@ -60,10 +60,18 @@ struct vhIfThenElseColor final : VHL::dMentalRayShader<miColor, _vhIfThenElseCol
     }
 };
 
+static constexpr const char* branchOnly =
+    "condition once, then the branch that it takes, once. A shader behind the other branch does not run.";
+static constexpr const char* unchanged =
+    "Any condition but 0 takes ifTrue. The branch's value passes unchanged: NaN, infinities, -0.";
+
 VHL_EXPORT_SHADER(vhIfThenElseScalar_v1, vhIfThenElseScalar,
-                  "ifTrue while the condition is on, else ifFalse; only that branch is evaluated.")
+                  "ifTrue while the condition is on, else ifFalse; only that branch is evaluated.",
+                  .order = branchOnly, .edges = unchanged)
 VHL_EXPORT_SHADER(vhIfThenElseVector_v1, vhIfThenElseVector,
-                  "ifTrue while the condition is on, else ifFalse; only that branch is evaluated.")
+                  "ifTrue while the condition is on, else ifFalse; only that branch is evaluated.",
+                  .order = branchOnly, .edges = unchanged)
 VHL_EXPORT_SHADER(vhIfThenElseColor_v1, vhIfThenElseColor,
                   "ifTrue while the condition is on, else ifFalse, alpha and all; only that branch is "
-                  "evaluated.")
+                  "evaluated.",
+                  .order = branchOnly, .edges = unchanged)

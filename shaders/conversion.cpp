@@ -51,6 +51,7 @@ struct Input {
     T input;
 
     auto tied() { return std::tie(input); }
+    static constexpr std::string_view order = "input, once.";
     static constexpr auto fields()
     {
         return std::array{VHL::plainField("input", VHL::kindAs<kind, T>(), offsetof(Input, input), sizeof(T),
@@ -71,15 +72,14 @@ struct Weighted {
     T weights;
 
     auto tied() { return std::tie(input, weights); }
+    static constexpr std::string_view order = "input, then weights, each once.";
     static constexpr auto fields()
     {
-        return std::array{
-            VHL_FIELD(Weighted, input, "What is converted."),
-            VHL_FIELD(
-                Weighted, weights,
-                "Factor of each component. Thirds give the mean, with 0 for the alpha of a colour; 1 and "
-                "otherwise 0 picks one component.")
-                .by(1)};
+        return std::array{VHL_FIELD(Weighted, input, "What is converted."),
+                          VHL_FIELD(Weighted, weights,
+                                    "Factor of each component. Thirds give the mean, with 0 for the alpha of "
+                                    "a colour; 1 and otherwise 0 picks one component.")
+                              .by(1)};
     }
 };
 
@@ -89,6 +89,7 @@ struct ThreeScalars {
     miScalar z;
 
     auto tied() { return std::tie(x, y, z); }
+    static constexpr std::string_view order = "x, y, then z, each once.";
     static constexpr auto fields()
     {
         using P = ThreeScalars;
@@ -104,6 +105,7 @@ struct FourScalars {
     miScalar a;
 
     auto tied() { return std::tie(r, g, b, a); }
+    static constexpr std::string_view order = "r, g, b, then a, each once.";
     static constexpr auto fields()
     {
         using P = FourScalars;
@@ -180,10 +182,24 @@ int convert(Rule rule, Result* result, miState* state, Params& params)
     return 1;
 }
 
+// ---- What happens at the edges
+
+constexpr std::string_view anyWord = "Any input is fine.";
+constexpr std::string_view anyNumber = "Any input is fine; NaN, infinities and -0 pass as they are.";
+constexpr std::string_view comparedWithZero = "Any input is fine: NaN and infinities are not 0, -0 is.";
+constexpr std::string_view heldToIntegers = "What is above 2147483647 gives that number, what is below "
+                                            "-2147483648 that one; infinities likewise, and NaN gives 0.";
+constexpr std::string_view productsOfAll =
+    "Any input is fine. Components of weight 0 count too: an infinity or NaN there makes the sum NaN.";
+constexpr std::string_view productsHeld =
+    "Components of weight 0 count too: an infinity or NaN there makes the sum NaN, which gives 0. Sums "
+    "beyond what an integer can be give the nearest that it can.";
+
 } // namespace
 
-// One shader a line: name, result, parameters, rule and what the export line says. The macro spells names.
-#define CONVERSION(Name, Result, Parameters, rule, ...)                                                      \
+// One shader a line: name, result, parameters, rule, edges and what else the export line says. The macro
+// spells names.
+#define CONVERSION(Name, Result, Parameters, rule, edge, ...)                                                \
     struct _vh##Name##Params : Parameters {};                                                                \
     struct vh##Name final : VHL::dMentalRayShader<Result, _vh##Name##Params, 1> {                            \
         int execute(Result* result, miState* state, Params* params) override                                 \
@@ -191,61 +207,62 @@ int convert(Rule rule, Result* result, miState* state, Params& params)
             return convert(rule, result, state, *params);                                                    \
         }                                                                                                    \
     };                                                                                                       \
-    VHL_EXPORT_SHADER(vh##Name##_v1, vh##Name, __VA_ARGS__)
+    VHL_EXPORT_SHADER(vh##Name##_v1, vh##Name, __VA_ARGS__, .order = Parameters::order, .edges = edge)
 
-CONVERSION(Boolean2Integer, miInteger, Boolean, word,
+CONVERSION(Boolean2Integer, miInteger, Boolean, word, anyWord,
            "The input's word, unchanged: off is 0, on is 1 or whatever other number its source gave.",
            .result = Kind::integer)
-CONVERSION(Boolean2Scalar, miScalar, Boolean, oneOrZero, "1 for on, 0 for off.")
-CONVERSION(Boolean2Vector, miVector, Boolean, oneOrZero, "1 1 1 for on, 0 0 0 for off.")
-CONVERSION(Boolean2Color, miColor, Boolean, oneOrZero,
+CONVERSION(Boolean2Scalar, miScalar, Boolean, oneOrZero, anyWord, "1 for on, 0 for off.")
+CONVERSION(Boolean2Vector, miVector, Boolean, oneOrZero, anyWord, "1 1 1 for on, 0 0 0 for off.")
+CONVERSION(Boolean2Color, miColor, Boolean, oneOrZero, anyWord,
            "Opaque white, 1 1 1 1, for on; transparent black, 0 0 0 0, for off.")
 
-CONVERSION(Integer2Boolean, miBoolean, Integer, word,
+CONVERSION(Integer2Boolean, miBoolean, Integer, word, anyWord,
            "The input's word, unchanged: off for 0, on for any other number, which stays that number.",
            .result = Kind::boolean)
-CONVERSION(Integer2Scalar, miScalar, Integer, number,
+CONVERSION(Integer2Scalar, miScalar, Integer, number, anyWord,
            "The input as a scalar, rounded to the nearest beyond 16777216.")
-CONVERSION(Integer2Vector, miVector, Integer, number,
+CONVERSION(Integer2Vector, miVector, Integer, number, anyWord,
            "The input in x, y and z, rounded to the nearest scalar beyond 16777216.")
-CONVERSION(Integer2Color, miColor, Integer, number,
+CONVERSION(Integer2Color, miColor, Integer, number, anyWord,
            "The input in r, g, b and a, rounded to the nearest scalar beyond 16777216.")
 
-CONVERSION(Scalar2Boolean, miBoolean, Scalar, notZero, "On when the input is not 0, NaN included; -0 is 0.",
-           .result = Kind::boolean)
-CONVERSION(Scalar2Integer, miInteger, Scalar, truncated,
+CONVERSION(Scalar2Boolean, miBoolean, Scalar, notZero, comparedWithZero,
+           "On when the input is not 0, NaN included; -0 is 0.", .result = Kind::boolean)
+CONVERSION(Scalar2Integer, miInteger, Scalar, truncated, heldToIntegers,
            "The input without its fraction: 2.9 gives 2, -2.9 gives -2. Held to what an integer can be; NaN "
            "gives 0.",
            .result = Kind::integer)
-CONVERSION(Scalar2Vector, miVector, Scalar, scalar, "The input in x, y and z.")
-CONVERSION(Scalar2Color, miColor, Scalar, scalar, "The input in r, g, b and a.")
+CONVERSION(Scalar2Vector, miVector, Scalar, scalar, anyNumber, "The input in x, y and z.")
+CONVERSION(Scalar2Color, miColor, Scalar, scalar, anyNumber, "The input in r, g, b and a.")
 
-CONVERSION(Vector2Boolean, miBoolean, Vector, notZero,
+CONVERSION(Vector2Boolean, miBoolean, Vector, notZero, comparedWithZero,
            "On when any component is not 0, NaN included; -0 is 0.", .result = Kind::boolean)
-CONVERSION(Vector2Integer, miInteger, Weighted<miVector>, truncatedSum,
+CONVERSION(Vector2Integer, miInteger, Weighted<miVector>, truncatedSum, productsHeld,
            "Sum of the components, each times its weight, without the fraction: -2.9 gives -2. Held to what "
            "an integer can be; NaN gives 0.",
            .result = Kind::integer)
-CONVERSION(Vector2Scalar, miScalar, Weighted<miVector>, weightedSum,
+CONVERSION(Vector2Scalar, miScalar, Weighted<miVector>, weightedSum, productsOfAll,
            "Sum of the components, each times its weight: the dot product.")
-CONVERSION(Vector2Color, miColor, Vector, opaque, "x, y and z as r, g and b; alpha is 1.")
-CONVERSION(Vector2Scalars, _vhVectorScalars, Vector, splitVector,
+CONVERSION(Vector2Color, miColor, Vector, opaque, anyNumber, "x, y and z as r, g and b; alpha is 1.")
+CONVERSION(Vector2Scalars, _vhVectorScalars, Vector, splitVector, anyNumber,
            "The components as scalars to connect one by one, as \"name.x\".")
 
-CONVERSION(Color2Boolean, miBoolean, Color, notZero,
+CONVERSION(Color2Boolean, miBoolean, Color, notZero, comparedWithZero,
            "On when any channel is not 0, alpha and NaN included; -0 is 0.", .result = Kind::boolean)
-CONVERSION(Color2Integer, miInteger, Weighted<miColor>, truncatedSum,
+CONVERSION(Color2Integer, miInteger, Weighted<miColor>, truncatedSum, productsHeld,
            "Sum of the channels, alpha included, each times its weight, without the fraction: -2.9 gives -2. "
            "Held to what an integer can be; NaN gives 0.",
            .result = Kind::integer)
-CONVERSION(Color2Scalar, miScalar, Weighted<miColor>, weightedSum,
+CONVERSION(Color2Scalar, miScalar, Weighted<miColor>, weightedSum, productsOfAll,
            "Sum of the channels, alpha included, each times its weight: the dot product.")
-CONVERSION(Color2Vector, miVector, Color, withoutAlpha, "r, g and b as x, y and z; alpha is dropped.")
-CONVERSION(Color2Scalars, _vhColorScalars, Color, splitColor,
+CONVERSION(Color2Vector, miVector, Color, withoutAlpha, anyNumber,
+           "r, g and b as x, y and z; alpha is dropped.")
+CONVERSION(Color2Scalars, _vhColorScalars, Color, splitColor, anyNumber,
            "The channels as scalars to connect one by one, as \"name.r\".")
 
-CONVERSION(Scalars2Vector, miVector, ThreeScalars, vector, "A vector of three scalars.")
-CONVERSION(Scalars2Color, miColor, FourScalars, color,
+CONVERSION(Scalars2Vector, miVector, ThreeScalars, vector, anyNumber, "A vector of three scalars.")
+CONVERSION(Scalars2Color, miColor, FourScalars, color, anyNumber,
            "A colour of four scalars; alpha is 1 when it is left out.")
 
 #undef CONVERSION

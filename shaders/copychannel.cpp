@@ -77,7 +77,17 @@ struct vhCopyChannelVector_v1 final : VHL::dMentalRayShader<miVector, _vhCopyCha
     }
 };
 
-VHL_EXPORT_SHADER(vhCopyChannelColor_v1, vhCopyChannelColor_v1,
-                  "The input with the channels that are switched on taken from source, each from its own.")
-VHL_EXPORT_SHADER(vhCopyChannelVector_v1, vhCopyChannelVector_v1,
-                  "The input with the components that are switched on taken from source, each from its own.")
+static constexpr const char* edges =
+    "Any input is fine; NaN, infinities and -0 are copied as they are. With all switches off input passes.";
+
+VHL_EXPORT_SHADER(
+    vhCopyChannelColor_v1, vhCopyChannelColor_v1,
+    "The input with the channels that are switched on taken from source, each from its own.",
+    .order =
+        "input, source, copyR, copyG, copyB, then copyA, each once; source even while all switches are off.",
+    .edges = edges)
+VHL_EXPORT_SHADER(
+    vhCopyChannelVector_v1, vhCopyChannelVector_v1,
+    "The input with the components that are switched on taken from source, each from its own.",
+    .order = "input, source, copyX, copyY, then copyZ, each once; source even while all switches are off.",
+    .edges = edges)

@@ -150,18 +150,32 @@ private:
     Watch watch_;
 };
 
+static constexpr const char* passedOn =
+    "useLimit, then limit unless that is off, then name: once, when the shader is made ready. For each "
+    "sample enable, then input, each once; the input also while nothing is printed.";
+static constexpr const char* anyValue = "Any value passes as it is; NaN and infinities print as nan and inf. "
+                                        "A limit of 0 is none, and with one below 0 nothing is printed.";
+static constexpr const char* aLine =
+    "Info: the value, a line for each sample while enable is on, as often as useLimit and limit allow.";
+
 VHL_EXPORT_SHADER(vhDebugBoolean_v1, vhDebugBoolean,
                   "The input, unchanged, also where it is neither 0 nor 1; the log tells it, as information: "
                   "\"vhDebugBoolean : label - 1.0\", 0.0 when it is off.",
-                  .result = VHL::Kind::boolean)
+                  .result = VHL::Kind::boolean, .order = passedOn,
+                  .edges = "Any word passes as it is, and prints as 1.0 unless it is 0. A limit of 0 is "
+                           "none, and with one below 0 nothing is printed.",
+                  .messages = aLine)
 VHL_EXPORT_SHADER(
     vhDebugScalar_v1, vhDebugScalar,
-    "The input, unchanged; the log tells it, as information: \"vhDebugScalar : label - 0.500\".")
+    "The input, unchanged; the log tells it, as information: \"vhDebugScalar : label - 0.500\".",
+    .order = passedOn, .edges = anyValue, .messages = aLine)
 VHL_EXPORT_SHADER(
     vhDebugVector_v1, vhDebugVector,
     "The input, unchanged; the log tells it, as information: \"vhDebugVector : label - 0.000 1.000 "
-    "-2.500\", x, y and z.")
+    "-2.500\", x, y and z.",
+    .order = passedOn, .edges = anyValue, .messages = aLine)
 VHL_EXPORT_SHADER(
     vhDebugColor_v1, vhDebugColor,
     "The input, unchanged; the log tells it, as information: \"vhDebugColor : label - 1.000 0.500 "
-    "0.000 1.000\", red, green, blue and alpha.")
+    "0.000 1.000\", red, green, blue and alpha.",
+    .order = passedOn, .edges = anyValue, .messages = aLine)

@@ -6,6 +6,10 @@
 // The value types' division would give 0 for a divisor of 0; this one deliberately does not.
 static constexpr auto divide = [](float a, float b) { return a / b; };
 
+static constexpr const char* edges =
+    "No guard: a divisor of 0 gives an infinity, whose sign is that of both operands together and counts -0 "
+    "as negative; 0 / 0 gives NaN, as do a NaN and two infinities.";
+
 namespace {
 
 struct Division {
@@ -42,10 +46,13 @@ struct vhDivColor_v2 final : VHL::dMentalRayShader<miColor, _vhDivColor_v2Params
 };
 
 VHL_EXPORT_SHADER(vhDivScalar_v1, vhDivScalar,
-                  "input1 / input2, unguarded: dividing by 0 gives an infinity or NaN.")
+                  "input1 / input2, unguarded: dividing by 0 gives an infinity or NaN.",
+                  .order = VHL::pairOrder, .edges = edges)
 VHL_EXPORT_SHADER(
     vhDivVector_v1, vhDivVector,
-    "input1 / input2, component by component, unguarded: dividing by 0 gives an infinity or NaN.")
+    "input1 / input2, component by component, unguarded: dividing by 0 gives an infinity or NaN.",
+    .order = VHL::pairOrder, .edges = edges)
 VHL_EXPORT_SHADER(
     vhDivColor_v2, vhDivColor_v2,
-    "input1 / input2, channel by channel, alpha included, unguarded: dividing by 0 gives an infinity or NaN.")
+    "input1 / input2, channel by channel, alpha included, unguarded: dividing by 0 gives an infinity or NaN.",
+    .order = VHL::colorPairOrder, .edges = edges)

@@ -49,4 +49,9 @@ VHL_EXPORT_SHADER(
     "The colour that a panoramic image has in the direction of the ray. No colour, and no success, "
     "without an image and for the zero direction. Behind the camera a fisheye gives the colour of the "
     "image's lower left corner.",
-    .apply = "environment")
+    .apply = "environment",
+    .order = "mapping once, when the shader is made ready. For each ray texture once, then, with a texture "
+             "and a direction, one look-up in it.",
+    .edges = "mapping below 0 or above 4 is as 0. Without a texture, and for the direction 0 0 0, the result "
+             "is 0 0 0 0 without success; success is else what the look-up says. Directions need to be of "
+             "length 1, as the renderer's are.")

@@ -8,6 +8,10 @@ static constexpr auto expand = [](float input, float lower, float upper) {
     return (input - lower) / (upper - lower);
 };
 
+static constexpr const char* edges =
+    "No guard: equal bounds give an infinity with the sign of input - lower, and NaN for an input equal to "
+    "them. Bounds the wrong way round turn the result round. A NaN gives NaN, as does an infinite lower.";
+
 namespace {
 
 struct Source {
@@ -43,14 +47,16 @@ struct vhExpandColorv2 final : VHL::dMentalRayShader<miColor, _vhExpandColor_v2P
     }
 };
 
-VHL_EXPORT_SHADER(
-    vhExpandScalar_v1, vhExpandScalar,
-    "(input - lower) / (upper - lower): lower to upper becomes 0 to 1; inputs beyond the bounds "
-    "go beyond 0 and 1, and equal bounds give an infinity or NaN.")
+VHL_EXPORT_SHADER(vhExpandScalar_v1, vhExpandScalar,
+                  "(input - lower) / (upper - lower): lower to upper becomes 0 to 1; inputs beyond the "
+                  "bounds go beyond 0 and 1, and equal bounds give an infinity or NaN.",
+                  .order = VHL::rangeOrder, .edges = edges)
 VHL_EXPORT_SHADER(vhExpandVector_v1, vhExpandVector,
                   "(input - lower) / (upper - lower), component by component: lower to upper becomes 0 to 1; "
-                  "inputs beyond the bounds go beyond 0 and 1, and equal bounds give an infinity or NaN.")
-VHL_EXPORT_SHADER(vhExpandColor_v2, vhExpandColorv2,
-                  "(input - lower) / (upper - lower), channel by channel, alpha included: lower to upper "
-                  "becomes 0 to 1; inputs beyond the bounds go beyond 0 and 1, and equal bounds give an "
-                  "infinity or NaN.")
+                  "inputs beyond the bounds go beyond 0 and 1, and equal bounds give an infinity or NaN.",
+                  .order = VHL::rangeOrder, .edges = edges)
+VHL_EXPORT_SHADER(
+    vhExpandColor_v2, vhExpandColorv2,
+    "(input - lower) / (upper - lower), channel by channel, alpha included: lower to upper becomes 0 to 1; "
+    "inputs beyond the bounds go beyond 0 and 1, and equal bounds give an infinity or NaN.",
+    .order = VHL::colorRangeOrder, .edges = edges)

@@ -115,7 +115,15 @@ it is.
 
 With areaType 1 the light needs a shader for user areas, such as vhParticleLight_v1.)";
 
-VHL_EXPORT_SHADER(vhGeomSetAreaLightType_v1, vhGeomSetAreaLightType_v1,
-                  "Makes an area light of a light in the scene, of an object's shape or of its shader's, and "
-                  "sets its samples. Makes no geometry.",
-                  .apply = "geometry", .result = VHL::Kind::geometry, .notes = notes)
+VHL_EXPORT_SHADER(
+    vhGeomSetAreaLightType_v1, vhGeomSetAreaLightType_v1,
+    "Makes an area light of a light in the scene, of an object's shape or of its shader's, and sets its "
+    "samples. Makes no geometry.",
+    .apply = "geometry", .result = VHL::Kind::geometry,
+    .order = "When the shader is made ready, once: areaType; for 0 and 1 areaLight, samplesU, samplesV; for "
+             "areaType 0, where a light was found, objectSource. Nothing later.",
+    .edges = "Any other areaType: nothing is done or said. No light, or something else than a light's "
+             "instance, and for areaType 0 no instance as objectSource: the light stays as it is.",
+    .messages = "Info: what the light becomes and its numbers of samples, or why nothing is done, each "
+                "beginning with vhGeomSetAreaLightType_v1::init.",
+    .notes = notes)

@@ -80,8 +80,15 @@ struct vhInvertColorv2 final : VHL::dMentalRayShader<miColor, _vhInvertColor_v2P
     }
 };
 
-VHL_EXPORT_SHADER(vhInvertScalar_v1, vhInvertScalar, "maximum - input.")
-VHL_EXPORT_SHADER(vhInvertVector_v1, vhInvertVector, "maximum - input, component by component.")
+static constexpr const char* order = "input, then maximum, each once.";
+static constexpr const char* edges =
+    "Any input is fine; one above maximum gives a number below 0. A NaN and equal infinities give NaN.";
+
+VHL_EXPORT_SHADER(vhInvertScalar_v1, vhInvertScalar, "maximum - input.", .order = order, .edges = edges)
+VHL_EXPORT_SHADER(vhInvertVector_v1, vhInvertVector, "maximum - input, component by component.",
+                  .order = order, .edges = edges)
 VHL_EXPORT_SHADER(vhInvertColor_v2, vhInvertColorv2,
                   "maximum - input, channel by channel, alpha included; while useAlpha is off, alpha "
-                  "replaces the alpha of maximum, not of input.")
+                  "replaces the alpha of maximum, not of input.",
+                  .order = "input, maximum, then useAlpha, each once; alpha only while useAlpha is off.",
+                  .edges = edges)

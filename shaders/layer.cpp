@@ -147,22 +147,38 @@ struct vhMatteDiv final : VHL::dMentalRayShader<miColor, _vhMatteDivParams, 1> {
     }
 };
 
-VHL_EXPORT_SHADER(vhOver_v1, vhOver,
-                  "The foreground over the background: foreground + (1 - alpha of foreground) * background, "
-                  "alpha included. Both are premultiplied.")
+static constexpr const char* newAlpha =
+    "Any alpha is fine, nothing is clamped. With premultiply off red, green and blue pass unchanged; with it "
+    "on an alpha of 0 leaves black, and NaN of an infinite or NaN channel.";
+
+VHL_EXPORT_SHADER(
+    vhOver_v1, vhOver,
+    "The foreground over the background: foreground + (1 - alpha of foreground) * background, alpha "
+    "included. Both are premultiplied.",
+    .order = "foreground, then background, each once; both also where the foreground is opaque.",
+    .edges = "Nothing is clamped; alpha may lie outside 0 and 1. An infinite background under alpha 1 gives "
+             "NaN, as 0 times infinity does, and a NaN is not covered either.")
 VHL_EXPORT_SHADER(
     vhSetAlpha_v1, vhSetAlpha,
     "The input with another alpha; with premultiply on, red, green and blue are multiplied by it. "
-    "An alpha that they were multiplied by before is not divided out.")
+    "An alpha that they were multiplied by before is not divided out.",
+    .order = "input, alpha, premultiply, each once; always all of them.", .edges = newAlpha)
 VHL_EXPORT_SHADER(
     vhSwitchMatte_v1, vhSwitchMatte,
     "The input with the alpha of matte; with premultiply on, red, green and blue are multiplied by "
-    "it.")
+    "it.",
+    .order = "input, matte, premultiply, each once; always all of them.", .edges = newAlpha)
 VHL_EXPORT_SHADER(
     vhMatteMult_v1, vhMatteMult,
     "Premultiply: red, green and blue times alpha. Where alpha is 0 the input stays as it is, not "
-    "black.")
+    "black.",
+    .order = "input, then reserved, each once.",
+    .edges = "Alpha 0 or -0: the input passes unchanged. Nothing is clamped. A NaN alpha makes red, green "
+             "and blue NaN.")
 VHL_EXPORT_SHADER(
     vhMatteDiv_v1, vhMatteDiv,
     "Un-premultiply: red, green and blue divided by alpha, not clamped. Where alpha is 0 the input "
-    "stays as it is.")
+    "stays as it is.",
+    .order = "The input, once.",
+    .edges = "Alpha 0 or -0: the input passes unchanged, nothing is divided. Others divide whatever they "
+             "are: a tiny alpha may give infinities, an infinite one gives 0, and a NaN gives NaN.")

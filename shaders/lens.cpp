@@ -121,9 +121,25 @@ VHL_EXPORT_SHADER(
     "Renders the whole surroundings of the camera into one of five panoramic layouts instead of its "
     "usual projection. Outside the circle of a round layout the environment is asked for the zero "
     "direction.",
-    .apply = "lens")
-VHL_EXPORT_SHADER(vhLensGamma_v1, vhGammaLens,
-                  "What the camera sees, red, green and blue to the power of 1 / gamma; alpha stays.",
-                  .apply = "lens")
-VHL_EXPORT_SHADER(vhLensBrightness_v1, vhBrightnessLens,
-                  "What the camera sees, red, green and blue times brightness; alpha stays.", .apply = "lens")
+    .apply = "lens",
+    .order =
+        "mapping once, when the shader is made ready. For each sample one eye ray, and nothing is evaluated.",
+    .edges =
+        "mapping below 0 or above 4 is as 0. Where the layout has no direction, outside its circle, the ray "
+        "has the direction 0 0 0, which meets nothing but the environment. The shader always succeeds.")
+VHL_EXPORT_SHADER(
+    vhLensGamma_v1, vhGammaLens,
+    "What the camera sees, red, green and blue to the power of 1 / gamma; alpha stays.", .apply = "lens",
+    .order =
+        "gamma once, when the shader is made ready. For each sample one eye ray, and nothing is evaluated.",
+    .edges = "gamma 0 makes of channels between 0 and 1 a 0 and of those above 1 infinity; a negative gamma "
+             "turns dark and bright round, and 0 becomes infinity. Negative channels give NaN, unless 1 / "
+             "gamma is whole or infinite. A ray that no shader gives a colour is black.")
+VHL_EXPORT_SHADER(
+    vhLensBrightness_v1, vhBrightnessLens,
+    "What the camera sees, red, green and blue times brightness; alpha stays.", .apply = "lens",
+    .order = "brightness once, when the shader is made ready. For each sample one eye ray, and nothing is "
+             "evaluated.",
+    .edges =
+        "Any factor is fine, nothing is clamped: 0 leaves black under the alpha that was seen, and NaN of an "
+        "infinite channel; below 0 colours are negative. A ray that no shader gives a colour is black.")

@@ -62,12 +62,24 @@ struct vhMixColor_v2 final : VHL::dMentalRayShader<miColor, _vhMixColor_v2Params
     }
 };
 
+static constexpr const char* order =
+    "input1, input2, then weight, each once: also the input that has no weight.";
+static constexpr const char* colorOrder =
+    "input1, input2, useAlpha1 and useAlpha2; alpha1 only while useAlpha1 is off, and alpha2 only while "
+    "useAlpha2 is off; weight last. Each once, also the input that has no weight.";
+static constexpr const char* edges =
+    "A weight below 0, minus infinity too, is 0, one above 100 is 100, and NaN gives NaN. The input that has "
+    "no weight counts still: an infinity or NaN there gives NaN.";
+
 VHL_EXPORT_SHADER(
     vhMixScalar_v1, vhMixScalar,
-    "Blend from input1 to input2 by a percentage; an infinity on the side that has no weight gives NaN.")
+    "Blend from input1 to input2 by a percentage; an infinity on the side that has no weight gives NaN.",
+    .order = order, .edges = edges)
 VHL_EXPORT_SHADER(vhMixVector_v1, vhMixVector,
                   "Blend from input1 to input2 by a percentage, component by component; an infinity on the "
-                  "side that has no weight gives NaN.")
+                  "side that has no weight gives NaN.",
+                  .order = order, .edges = edges)
 VHL_EXPORT_SHADER(vhMixColor_v2, vhMixColor_v2,
                   "Blend from input1 to input2 by a percentage, channel by channel, alpha included; an "
-                  "infinity on the side that has no weight gives NaN.")
+                  "infinity on the side that has no weight gives NaN.",
+                  .order = colorOrder, .edges = edges)

@@ -56,6 +56,13 @@ int mix(T* result, miState* state, std::span<Slot<T>> slots)
 
 } // namespace
 
+static constexpr const char* order =
+    "Slot by slot: enable and, only while it is on, input, then weight; each once. A slot that is on is "
+    "evaluated whatever its weight is.";
+static constexpr const char* edges =
+    "With all slots off every component is 0, alpha too. A NaN gives NaN, as do an infinity of weight 0 and "
+    "infinities of opposite signs.";
+
 // The twelve differ in kind and count alone.
 #define MIXER(Name, T, count)                                                                                \
     struct _vhMixer##Name##count##Params : Slots<T, count> {};                                               \
@@ -67,7 +74,8 @@ int mix(T* result, miState* state, std::span<Slot<T>> slots)
     };                                                                                                       \
     VHL_EXPORT_SHADER(vhMixer##Name##count##_v1, vhMixer##Name##count,                                       \
                       "Sum of weight times input over the " #count                                           \
-                      " slots that are switched on, in their order; neither divided nor clamped.")
+                      " slots that are switched on, in their order; neither divided nor clamped.",           \
+                      .order = order, .edges = edges)
 
 MIXER(Color, miColor, 2)
 MIXER(Color, miColor, 4)

@@ -10,6 +10,10 @@ static constexpr auto modulo = [](float a, float b) {
     return static_cast<float>(std::fmod(double(a), double(b)));
 };
 
+static constexpr const char* edges =
+    "A NaN, an infinite dividend and a divisor of 0 give NaN; an infinite divisor gives a finite dividend "
+    "back. The sign of the divisor does not count, and a remainder of 0 has the sign of the dividend.";
+
 namespace {
 
 struct Remainder {
@@ -47,10 +51,13 @@ struct vhModColor_v2 final : VHL::dMentalRayShader<miColor, _vhModColor_v2Params
 
 VHL_EXPORT_SHADER(
     vhModScalar_v1, vhModScalar,
-    "Remainder of input1 / input2; computed in double, with the sign of input1; NaN for an input2 of 0.")
+    "Remainder of input1 / input2; computed in double, with the sign of input1; NaN for an input2 of 0.",
+    .order = VHL::pairOrder, .edges = edges)
 VHL_EXPORT_SHADER(vhModVector_v1, vhModVector,
                   "Remainder of input1 / input2, component by component; computed in double, with the sign "
-                  "of input1; NaN for an input2 of 0.")
+                  "of input1; NaN for an input2 of 0.",
+                  .order = VHL::pairOrder, .edges = edges)
 VHL_EXPORT_SHADER(vhModColor_v2, vhModColor_v2,
                   "Remainder of input1 / input2, channel by channel, alpha included; computed in double, "
-                  "with the sign of input1; NaN for an input2 of 0.")
+                  "with the sign of input1; NaN for an input2 of 0.",
+                  .order = VHL::colorPairOrder, .edges = edges)

@@ -5,6 +5,9 @@
 
 static constexpr auto multiply = [](float a, float b) { return a * b; };
 
+static constexpr const char* edges =
+    "Any input is fine. A NaN and 0 times an infinity give NaN, a product too large an infinity.";
+
 namespace {
 
 struct Factors : VHL::Operands {
@@ -38,6 +41,8 @@ struct vhMultColor_v2 final : VHL::dMentalRayShader<miColor, _vhMultColor_v2Para
     }
 };
 
-VHL_EXPORT_SHADER(vhMultScalar_v1, vhMultScalar, "input1 * input2.")
-VHL_EXPORT_SHADER(vhMultVector_v1, vhMultVector, "input1 * input2, component by component.")
-VHL_EXPORT_SHADER(vhMultColor_v2, vhMultColor_v2, "input1 * input2, channel by channel, alpha included.")
+VHL_EXPORT_SHADER(vhMultScalar_v1, vhMultScalar, "input1 * input2.", .order = VHL::pairOrder, .edges = edges)
+VHL_EXPORT_SHADER(vhMultVector_v1, vhMultVector, "input1 * input2, component by component.",
+                  .order = VHL::pairOrder, .edges = edges)
+VHL_EXPORT_SHADER(vhMultColor_v2, vhMultColor_v2, "input1 * input2, channel by channel, alpha included.",
+                  .order = VHL::colorPairOrder, .edges = edges)

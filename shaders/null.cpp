@@ -49,11 +49,21 @@ struct vhNullColorv2 final : VHL::dMentalRayShader<miColor, _vhNullColor_v2Param
     }
 };
 
-VHL_EXPORT_SHADER(vhNullScalar_v1, vhNullScalar, "The input, unchanged.")
-VHL_EXPORT_SHADER(vhNullVector_v1, vhNullVector, "The input, unchanged.")
+static constexpr const char* colorOrder =
+    "input, then useAlpha, each once; alpha only while useAlpha is off.";
+static constexpr const char* edges = "Any input is fine and passes as it is, NaN, infinities and -0 too.";
+
+VHL_EXPORT_SHADER(vhNullScalar_v1, vhNullScalar, "The input, unchanged.", .order = VHL::singleOrder,
+                  .edges = edges)
+VHL_EXPORT_SHADER(vhNullVector_v1, vhNullVector, "The input, unchanged.", .order = VHL::singleOrder,
+                  .edges = edges)
 VHL_EXPORT_SHADER(vhNullColor_v2, vhNullColorv2,
-                  "The input, unchanged; while useAlpha is off, alpha replaces its alpha.")
-VHL_EXPORT_SHADER(vhConstScalar_v1, vhNullScalar, "A value for several shaders to share.")
-VHL_EXPORT_SHADER(vhConstVector_v1, vhNullVector, "A vector for several shaders to share.")
+                  "The input, unchanged; while useAlpha is off, alpha replaces its alpha.",
+                  .order = colorOrder, .edges = edges)
+VHL_EXPORT_SHADER(vhConstScalar_v1, vhNullScalar, "A value for several shaders to share.",
+                  .order = VHL::singleOrder, .edges = edges)
+VHL_EXPORT_SHADER(vhConstVector_v1, vhNullVector, "A vector for several shaders to share.",
+                  .order = VHL::singleOrder, .edges = edges)
 VHL_EXPORT_SHADER(vhConstColor_v2, vhNullColorv2,
-                  "A colour for several shaders to share; while useAlpha is off, alpha replaces its alpha.")
+                  "A colour for several shaders to share; while useAlpha is off, alpha replaces its alpha.",
+                  .order = colorOrder, .edges = edges)

@@ -146,4 +146,13 @@ VHL_EXPORT_SHADER(
     vhParticleLight_v1, vhParticleLight,
     "A light that shines from a list of points, each with a colour of its own: for a light with "
     "a user area.",
-    .apply = "light", .notes = notes)
+    .apply = "light",
+    .order = "When the shader is made ready, once: lightCount, the positions in order, the colors in order, "
+             "shadow, falloff. Samples evaluate nothing; with shadow on each particle that the point faces "
+             "takes a shadow ray.",
+    .edges = "At the place of a particle itself the light has no direction and arrives in full, halved by "
+             "falloff 0, and not at all by one below 0. Where the cosine is a NaN nothing is lit. lightCount "
+             "0, and empty arrays, give no light.",
+    .messages = "Info, when the shader is made ready: lightCount and a line for each particle, its position "
+                "and its colour times alpha.",
+    .notes = notes)

@@ -51,6 +51,11 @@ struct ColorRange {
     }
 };
 
+inline constexpr std::string_view rangeOrder = "input, lower, then upper, each once.";
+inline constexpr std::string_view colorRangeOrder =
+    "input, lower, upper, useAlphaLower and useAlphaUpper, each once; then alphaLower only while "
+    "useAlphaLower is off, and alphaUpper only while useAlphaUpper is off.";
+
 /// Input, lower and upper bound, evaluated in field order.
 template <class T, class Role>
 std::array<Value<T>, 3> bounded(miState* state, Range<T, Role>& p)
@@ -98,5 +103,9 @@ struct ClampBounds {
     static constexpr std::string_view lower = "What an input below it becomes, also where it is above upper.";
     static constexpr std::string_view upper = "What any other input above it becomes.";
 };
+
+inline constexpr std::string_view clampEdges =
+    "A NaN input passes, and a NaN bound holds nothing back. With lower above upper, an input below lower "
+    "gives lower, any other upper. 0 and -0 are equal: neither replaces the other.";
 
 } // namespace VHL

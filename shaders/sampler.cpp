@@ -155,7 +155,14 @@ let nothing else evaluate the input's shaders earlier.
 Jitter takes its numbers from the generator of the C library, started from the clock when the shader is made
 ready: no two renderings are the same.)";
 
-VHL_EXPORT_SHADER(vhSampleStatePoint_v1, vhSampleStatePoint,
-                  "The input averaged over a line through the point being shaded, with weights from a curve: "
-                  "a blur along the line.",
-                  .notes = notes)
+VHL_EXPORT_SHADER(
+    vhSampleStatePoint_v1, vhSampleStatePoint,
+    "The input averaged over a line through the point being shaded, with weights from a curve: a blur along "
+    "the line.",
+    .order = "When the shader is made ready, once: samples, start, end, jitter, normalize, the profile's "
+             "elements in order. For each sample input once at every position, from start to end; nothing is "
+             "evaluated with samples 0.",
+    .edges = "No samples, or a sum of weights of 0: each channel is divided by 0, so NaN or infinite. A NaN "
+             "or an infinity at one position spoils the average, also under the weight 0. Beyond the line's "
+             "ends, by jitter above 1, the nearest weight counts.",
+    .notes = notes)

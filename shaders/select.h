@@ -64,4 +64,12 @@ private:
     T* values_ = nullptr;
 };
 
+// What the descriptions of the selecting shaders share.
+inline constexpr const char* chosenOnly =
+    "select once, then the value that it chooses, once; the others not at all, and without values not even "
+    "select. Where the values are and how many is read once, when the shader is made ready.";
+inline constexpr const char* anyPosition =
+    "Any position is fine: below 0, -infinity and NaN choose the first value, the number of values and more, "
+    "infinity too, the last. Without values the shader returns no success and leaves the result as it was.";
+
 } // namespace VHL

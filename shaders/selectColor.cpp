@@ -20,4 +20,5 @@ private:
 VHL_EXPORT_SHADER(
     vhSelectColor_v1, vhSelectColor,
     "One of several colours, by its position; only that one is evaluated. Without any, there is no "
-    "result.")
+    "result.",
+    .order = VHL::chosenOnly, .edges = VHL::anyPosition)

@@ -20,4 +20,5 @@ private:
 VHL_EXPORT_SHADER(
     vhSelectScalar_v1, vhSelectScalar,
     "One of several scalars, by its position; only that one is evaluated. Without any, there is no "
-    "result.")
+    "result.",
+    .order = VHL::chosenOnly, .edges = VHL::anyPosition)

@@ -20,4 +20,5 @@ private:
 VHL_EXPORT_SHADER(
     vhSelectVector_v1, vhSelectVector,
     "One of several vectors, by its position; only that one is evaluated. Without any, there is no "
-    "result.")
+    "result.",
+    .order = VHL::chosenOnly, .edges = VHL::anyPosition)

@@ -98,7 +98,17 @@ struct vhSetChannelVector_v1 final : VHL::dMentalRayShader<miVector, _vhSetChann
     }
 };
 
-VHL_EXPORT_SHADER(vhSetChannelColor_v1, vhSetChannelColor_v1,
-                  "The input with the channels that are switched on set to the values beside the switches.")
-VHL_EXPORT_SHADER(vhSetChannelVector_v1, vhSetChannelVector_v1,
-                  "The input with the components that are switched on set to the values beside the switches.")
+static constexpr const char* edges =
+    "Any input is fine; NaN, infinities and -0 are set as they are. With all switches off input passes.";
+
+VHL_EXPORT_SHADER(
+    vhSetChannelColor_v1, vhSetChannelColor_v1,
+    "The input with the channels that are switched on set to the values beside the switches.",
+    .order =
+        "input; then for r, g, b and a in turn the switch and, only while it is on, its value. Each once.",
+    .edges = edges)
+VHL_EXPORT_SHADER(
+    vhSetChannelVector_v1, vhSetChannelVector_v1,
+    "The input with the components that are switched on set to the values beside the switches.",
+    .order = "input; then for x, y and z in turn the switch and, only while it is on, its value. Each once.",
+    .edges = edges)

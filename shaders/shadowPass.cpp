@@ -130,4 +130,9 @@ For shadow rays and displacement there is no result.)";
 VHL_EXPORT_SHADER(
     vhShadowPass_v1, vhShadowPass,
     "How much of the lights' direct light survives the shadows, by channel: 1 all of it, 0 none.",
-    .apply = "material", .notes = notes)
+    .apply = "material",
+    .order = "lightMode, the number and the place of the lights, lights, each once; lights once more for the "
+             "gathering without shadows. Each light is sampled in the order of the list, with shadows first.",
+    .edges = "A channel that no light reaches is 0, not a division by 0; no lights at all give 0 0 0 1. On "
+             "shadow rays and in displacement there is no success and no result, and nothing is evaluated.",
+    .notes = notes)

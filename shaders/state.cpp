@@ -48,67 +48,79 @@ constexpr auto textureCoord = [](const miState& s) {
 
 } // namespace
 
+static constexpr const char* nothing = "Nothing is evaluated; a shader behind unused does not run.";
+static constexpr const char* asHeld =
+    "Passes as the renderer holds it, NaN and infinities too; where a ray has no such thing, as the "
+    "environment has no surface, it is whatever the renderer left there.";
+static constexpr const char* anyWord = "The 32 bits pass as they are.";
+static constexpr const char* whole =
+    "Whole numbers are exact up to 16777216, and rounded to the nearest float beyond.";
+
 // The shaders differ in result and source alone; the macro spells their names. Whether an integer is
 // converted as a signed one is up to the source: levels are signed, labels, tags and ray types are not.
-#define STATE(Name, Result, read, ...)                                                                       \
+#define STATE(Name, Result, read, itsEdges, ...)                                                             \
     struct vhState##Name final : VHL::dMentalRayShader<Result, _vhStateParams, 1> {                          \
         int execute(Result* result, miState* state, Params*) override { return copy(read, result, state); }  \
     };                                                                                                       \
-    VHL_EXPORT_SHADER(vhState##Name##_v1, vhState##Name, __VA_ARGS__)
+    VHL_EXPORT_SHADER(vhState##Name##_v1, vhState##Name, __VA_ARGS__, .order = nothing, .edges = itsEdges)
 
-STATE(Point, miVector, &miState::point, "The shaded point, in internal space; the end of the ray.")
-STATE(Normal, miVector, &miState::normal,
+STATE(Point, miVector, &miState::point, asHeld, "The shaded point, in internal space; the end of the ray.")
+STATE(Normal, miVector, &miState::normal, asHeld,
       "The shading normal, interpolated over smooth surfaces, in internal space.")
-STATE(GeometricNormal, miVector, &miState::normal_geom,
+STATE(GeometricNormal, miVector, &miState::normal_geom, asHeld,
       "The normal of the surface's facet, in internal space.")
-STATE(Org, miVector, &miState::org,
+STATE(Org, miVector, &miState::org, asHeld,
       "The origin of the ray, in internal space; on light and shadow rays the light's place.")
-STATE(Dir, miVector, &miState::dir,
+STATE(Dir, miVector, &miState::dir, asHeld,
       "The direction of the ray, in internal space; on light and shadow rays it leaves the light.")
-STATE(Motion, miVector, &miState::motion,
+STATE(Motion, miVector, &miState::motion, asHeld,
       "How far the shaded point moves while the shutter is open, in internal space.")
-STATE(RasterPos, miVector, rasterPos,
+STATE(RasterPos, miVector, rasterPos, asHeld,
       "The sample's place in the picture, in pixels from the lower left corner; z is 0.")
 STATE(TextureCoord, miVector, textureCoord,
+      "An object without texture coordinates has 0 0 0. All else passes unchanged, NaN and infinities too.",
       "Texture coordinates u and v of the first space; z is 0. All 0 on objects without any.")
-STATE(RasterX, miScalar, &miState::raster_x,
+STATE(RasterX, miScalar, &miState::raster_x, asHeld,
       "The sample's place in the picture, in pixels from the left edge.")
-STATE(RasterY, miScalar, &miState::raster_y,
+STATE(RasterY, miScalar, &miState::raster_y, asHeld,
       "The sample's place in the picture, in pixels from the lower edge.")
-STATE(RasterWidth, miScalar, rasterWidth, "The picture's width in pixels.")
-STATE(RasterHeight, miScalar, rasterHeight, "The picture's height in pixels.")
-STATE(Dist, miScalar, &miState::dist, "The length of the ray; 0 where it meets nothing.")
-STATE(Time, miScalar, &miState::time, "The sample's time within the shutter interval.")
-STATE(DotND, miScalar, &miState::dot_nd,
+STATE(RasterWidth, miScalar, rasterWidth, whole, "The picture's width in pixels.")
+STATE(RasterHeight, miScalar, rasterHeight, whole, "The picture's height in pixels.")
+STATE(Dist, miScalar, &miState::dist,
+      "Held in double precision, rounded to single. All else passes unchanged.",
+      "The length of the ray; 0 where it meets nothing.")
+STATE(Time, miScalar, &miState::time, asHeld, "The sample's time within the shutter interval.")
+STATE(DotND, miScalar, &miState::dot_nd, asHeld,
       "The cosine between normal and ray: -1 where a surface is seen head on, 0 at its outline. On light "
       "rays 1 where the light falls straight down.")
-STATE(InvNormal, miBoolean, inverted,
+STATE(InvNormal, miBoolean, inverted, "Any flag but 0 counts as on; the result is 0 or 1.",
       "On where the surface is seen from behind, so that its normals were turned around.",
       .result = VHL::Kind::boolean)
-STATE(ReflectionLevel, miInteger, &miState::reflection_level,
+STATE(ReflectionLevel, miInteger, &miState::reflection_level, anyWord,
       "How often the path from the eye was reflected; 0 for what is seen directly.",
       .result = VHL::Kind::integer)
-STATE(RefractionLevel, miInteger, &miState::refraction_level,
+STATE(RefractionLevel, miInteger, &miState::refraction_level, anyWord,
       "How often the path from the eye was refracted or went straight through a surface.",
       .result = VHL::Kind::integer)
-STATE(Label, miInteger, &miState::label, "The object's label; from 2147483648 on it comes out negative.",
-      .result = VHL::Kind::integer)
-STATE(Instance, miInteger, &miState::instance,
+STATE(Label, miInteger, &miState::label, anyWord,
+      "The object's label; from 2147483648 on it comes out negative.", .result = VHL::Kind::integer)
+STATE(Instance, miInteger, &miState::instance, anyWord,
       "The renderer's number of the instance being shaded, different for each and in each rendering.",
       .result = VHL::Kind::integer)
-STATE(RayType, miInteger, rayType,
+STATE(RayType, miInteger, rayType, anyWord,
       "The renderer's code of the ray: 0 eye, 1 transparent, 2 reflect, 3 refract, 4 light, 5 shadow, 6 "
       "environment, higher ones for photons and the like.",
       .result = VHL::Kind::integer)
-STATE(ReflectionLevelScalar, miScalar, &miState::reflection_level,
+STATE(ReflectionLevelScalar, miScalar, &miState::reflection_level, whole,
       "How often the path from the eye was reflected; 0 for what is seen directly.")
-STATE(RefractionLevelScalar, miScalar, &miState::refraction_level,
+STATE(RefractionLevelScalar, miScalar, &miState::refraction_level, whole,
       "How often the path from the eye was refracted or went straight through a surface.")
-STATE(LabelScalar, miScalar, &miState::label, "The object's label; exact up to 16777216 and never negative.")
-STATE(InstanceScalar, miScalar, &miState::instance,
+STATE(LabelScalar, miScalar, &miState::label, whole,
+      "The object's label; exact up to 16777216 and never negative.")
+STATE(InstanceScalar, miScalar, &miState::instance, whole,
       "The renderer's number of the instance being shaded, different for each and in each rendering; exact "
       "up to 16777216.")
-STATE(RayTypeScalar, miScalar, rayType,
+STATE(RayTypeScalar, miScalar, rayType, whole,
       "The renderer's code of the ray: 0 eye, 1 transparent, 2 reflect, 3 refract, 4 light, 5 shadow, 6 "
       "environment, higher ones for photons and the like.")
 

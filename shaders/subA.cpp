@@ -7,6 +7,9 @@
 
 static constexpr auto difference = [](float a, float b) { return std::fabs(a - b); };
 
+static constexpr const char* edges =
+    "Any input is fine. The result is never below 0 and never -0; a NaN and equal infinities give NaN.";
+
 struct _vhSubAScalarParams : VHL::Pair<miScalar> {};
 struct _vhSubAVectorParams : VHL::Pair<miVector> {};
 struct _vhSubAColorParams : VHL::Pair<miColor> {};
@@ -40,9 +43,13 @@ struct vhSubAColor_v2 final : VHL::dMentalRayShader<miColor, _vhSubAColor_v2Para
     }
 };
 
-VHL_EXPORT_SHADER(vhSubAScalar_v1, vhSubAScalar, "Absolute value of input1 - input2.")
-VHL_EXPORT_SHADER(vhSubAVector_v1, vhSubAVector, "Absolute value of input1 - input2, component by component.")
+VHL_EXPORT_SHADER(vhSubAScalar_v1, vhSubAScalar, "Absolute value of input1 - input2.",
+                  .order = VHL::pairOrder, .edges = edges)
+VHL_EXPORT_SHADER(vhSubAVector_v1, vhSubAVector, "Absolute value of input1 - input2, component by component.",
+                  .order = VHL::pairOrder, .edges = edges)
 VHL_EXPORT_SHADER(vhSubAColor_v1, vhSubAColor,
-                  "Absolute value of input1 - input2, channel by channel, alpha included.")
+                  "Absolute value of input1 - input2, channel by channel, alpha included.",
+                  .order = VHL::pairOrder, .edges = edges)
 VHL_EXPORT_SHADER(vhSubAColor_v2, vhSubAColor_v2,
-                  "Absolute value of input1 - input2, channel by channel, alpha included.")
+                  "Absolute value of input1 - input2, channel by channel, alpha included.",
+                  .order = VHL::colorPairOrder, .edges = edges)

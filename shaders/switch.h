@@ -43,6 +43,10 @@ struct Listing;
 
 template <>
 struct Listing<miColor> {
+    static constexpr const char* messages =
+        "Info, when the shader is made ready: \" switchColor name / value pairs - begin\", a line \" "
+        "switchColor pair ...\" for each, and \" switchColor name / value pairs - end\". Warning in their "
+        "place, for arrays of different lengths.";
     static void mismatch() { mi_warning(" switchColor - length of name and value arrays do not match.\n"); }
     static void begin() { mi_info(" switchColor name / value pairs - begin\n"); }
     static void pair(int position, const std::string& name, const dColor& value)
@@ -55,6 +59,10 @@ struct Listing<miColor> {
 
 template <>
 struct Listing<miScalar> {
+    static constexpr const char* messages =
+        "Info, when the shader is made ready: \" switchScalar name / value pairs - begin\", a line \" "
+        "switchColor pair ...\" for each, and \" switchScalar name / value pairs - end\". Warning in their "
+        "place, for arrays of different lengths.";
     static void mismatch() { mi_warning(" switchScalar - length of name and value arrays do not match.\n"); }
     static void begin() { mi_info(" switchScalar name / value pairs - begin\n"); }
     static void pair(int position, const std::string& name, float value)
@@ -118,5 +126,13 @@ private:
     std::vector<std::string> names_;
     T* values_ = nullptr;
 };
+
+// What the descriptions of the switches share.
+inline constexpr const char* fittingOnly =
+    "When the shader is made ready, once: the names, and, for arrays of one length, each value in order, for "
+    "the listing. For each sample the values of the names that fit, in order, and no others.";
+inline constexpr const char* noName =
+    "Where no name fits, and with empty arrays, the result is left as it was, with success. An empty name "
+    "fits instances without a name. Of arrays of different lengths the surplus is ignored.";
 
 } // namespace VHL

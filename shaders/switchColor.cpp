@@ -18,4 +18,5 @@ VHL_EXPORT_SHADER(
     vhSwitchColor_v1, vhSwitchColor,
     "The colour listed under the name of the object instance being shaded, capitals as they are; of "
     "equal names the last counts. Without a match the result is left as it was. Prints its pairs "
-    "as information before the first sample.")
+    "as information before the first sample.",
+    .order = VHL::fittingOnly, .edges = VHL::noName, .messages = VHL::Listing<miColor>::messages)

@@ -202,7 +202,18 @@ Arrays of different lengths give a warning, and the surplus is ignored. A patter
 expression stops the rendering. A search that would take for ever, as that of `(a+)+b` in a long name, is
 given up, and the instance gets defaultColor.)";
 
-VHL_EXPORT_SHADER(vhSwitchColor_v4, vhSwitchColorRegExp_v4,
-                  "The colour of the last pattern that is found anywhere in the name of the instance being "
-                  "shaded, or defaultColor. Decided and logged once for each instance.",
-                  .notes = notes)
+VHL_EXPORT_SHADER(
+    vhSwitchColor_v4, vhSwitchColorRegExp_v4,
+    "The colour of the last pattern that is found anywhere in the name of the instance being shaded, or "
+    "defaultColor. Decided and logged once for each instance.",
+    .order = "When the shader is made ready, once: the patterns, and, for arrays of one length, each value "
+             "in order. For each sample the value that was decided on for the instance, or defaultColor, "
+             "once, and no other. Patterns are searched for at an instance's first sample alone.",
+    .edges = "Empty patterns fit every name, no patterns fit none. Of arrays of different lengths the "
+             "surplus is ignored. A pattern that is no regular expression stops the rendering; a search that "
+             "is given up counts as no match.",
+    .messages =
+        "Info: the patterns, when the shader is made ready; at an instance's first sample the pattern that "
+        "it matched; at the end how many samples and instances there were. Warning: an instance that no "
+        "pattern matches; arrays of different lengths, in place of the list of patterns.",
+    .notes = notes)

@@ -88,10 +88,19 @@ struct vhThresholdColorv2 final : VHL::dMentalRayShader<miColor, _vhThresholdCol
     }
 };
 
+static constexpr const char* order = "input, then threshold, each once.";
+static constexpr const char* edges = "A NaN on either side gives 0, and what does not pass gives 0, not -0. "
+                                     "An input equal to the threshold passes; 0 and -0 are equal.";
+
 VHL_EXPORT_SHADER(vhThresholdScalar_v1, vhThresholdScalar,
-                  "The input where it is greater than or equal to the threshold, else 0; NaN gives 0.")
+                  "The input where it is greater than or equal to the threshold, else 0; NaN gives 0.",
+                  .order = order, .edges = edges)
 VHL_EXPORT_SHADER(vhThresholdVector_v1, vhThresholdVector,
-                  "Each component where it is greater than or equal to the threshold's, else 0; NaN gives 0.")
+                  "Each component where it is greater than or equal to the threshold's, else 0; NaN gives 0.",
+                  .order = order, .edges = edges)
 VHL_EXPORT_SHADER(vhThresholdColor_v2, vhThresholdColorv2,
                   "Each channel, alpha included, where it is greater than the threshold's, else 0: unlike "
-                  "scalars and vectors, a channel equal to its threshold gives 0; NaN gives 0.")
+                  "scalars and vectors, a channel equal to its threshold gives 0; NaN gives 0.",
+                  .order = "input, threshold, then useAlpha, each once; alpha only while useAlpha is off.",
+                  .edges = "A NaN on either side gives 0, and what does not pass gives 0, not -0. A channel "
+                           "equal to its threshold gives 0.")

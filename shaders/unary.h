@@ -17,6 +17,8 @@ struct Single {
     static constexpr auto fields() { return std::array{VHL_FIELD(Single, input, "Operand.")}; }
 };
 
+inline constexpr std::string_view singleOrder = "input, once.";
+
 template <class T>
 Value<T> operand(miState* state, Single<T>& p)
 {

@@ -55,13 +55,24 @@ struct vhSetOpacity final : VHL::dMentalRayShader<miColor, _vhSetOpacityParams, 
     }
 };
 
-VHL_EXPORT_SHADER(vhVectorNorm_v1, vhVectorNorm,
-                  "Length of the input, its squares summed in single precision, the root in double: infinite "
-                  "beyond about 1.8e19, 0 below about 2.6e-23.")
-VHL_EXPORT_SHADER(vhNormalizeVector_v1, vhNormalizeVector,
-                  "The input brought to length 1, the length as vhVectorNorm_v1 has it: 0 leaves the input "
-                  "as it is, an infinite one gives 0 (NaN from an infinite component), NaN gives NaN.")
+VHL_EXPORT_SHADER(
+    vhVectorNorm_v1, vhVectorNorm,
+    "Length of the input, its squares summed in single precision, the root in double: infinite beyond about "
+    "1.8e19, 0 below about 2.6e-23.",
+    .order = VHL::singleOrder,
+    .edges = "A NaN component gives NaN, an infinite one an infinity, unless there is a NaN too. Squares "
+             "that are too large or too small for single precision give an infinity or 0.")
+VHL_EXPORT_SHADER(
+    vhNormalizeVector_v1, vhNormalizeVector,
+    "The input brought to length 1, the length as vhVectorNorm_v1 has it: 0 leaves the input as it is, an "
+    "infinite one gives 0 (NaN from an infinite component), NaN gives NaN.",
+    .order = VHL::singleOrder,
+    .edges = "A vector of length 0, also one so short that its squares vanish, passes as it is. Infinite "
+             "lengths give 0, and NaN in an infinite component; a NaN component makes all of them NaN.")
 VHL_EXPORT_SHADER(
     vhSetOpacity_v1, vhSetOpacity,
-    "Sets the opacity of the sample and hands the input on, multiplied by the opacity if multiply is "
-    "on. What the opacity does is the renderer's: it counts where it composites layers itself.")
+    "Sets the opacity of the sample and hands the input on, multiplied by the opacity if multiply is on. "
+    "What the opacity does is the renderer's: it counts where it composites layers itself.",
+    .order = "input, opacity, then multiply, each once; then the opacity is set.",
+    .edges =
+        "Any input is fine. The opacity is handed to the renderer as it is, below 0, above 1 and NaN too.")
