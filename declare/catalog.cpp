@@ -10,62 +10,62 @@ namespace declare {
 /// What a group takes: whole units, and single shaders out of other groups' units.
 struct Rule {
     std::string_view name, title, about;
+    std::string_view cover;
     std::initializer_list<std::string_view> units, singles{};
 };
 
+// clang-format off
 static const Rule rules[] = {
-    {"arithmetic",
-     "Arithmetic",
+    {"arithmetic", "Arithmetic",
      "Sums, products, remainders, rounding and lengths, component by component.",
+     "vhAddColor_v2",
      {"add", "sub", "subA", "mult", "div", "mod", "min", "max", "floor", "ceiling", "util"}},
-    {"ranges",
-     "Ranges",
+    {"ranges", "Ranges",
      "Values held to bounds, stretched from one range to another, turned around or cut off.",
+     "vhClampScalar_v1",
      {"clamp", "clampChannel", "compress", "expand", "invert", "threshold"}},
-    {"conversions",
-     "Conversions",
+    {"conversions", "Conversions",
      "From every type to every other, together from scalars and apart into them.",
+     "vhVector2Color_v1",
      {"conversion"}},
-    {"channels",
-     "Channels and constants",
+    {"channels", "Channels and constants",
      "Channels copied, set and put in another order; values to share and to pass on.",
+     "vhReorderColor_v1",
      {"channel", "copychannel", "setchannel", "null"}},
-    {"mixing",
-     "Mixing",
+    {"mixing", "Mixing",
      "Two values blended by a weight, and weighted sums of up to sixteen.",
+     "vhMixerColor4_v1",
      {"mix", "mixer"}},
-    {"logic",
-     "Logic and choices",
+    {"logic", "Logic and choices",
      "Booleans combined, and what is chosen by them or by a number.",
+     "vhXOr_v1",
      {"boolean", "conditional", "selectColor", "selectScalar", "selectVector"}},
-    {"comparisons",
-     "Comparisons",
-     "Two values compared, ranges of values, of space and of the picture.",
+    {"comparisons", "Comparisons",
+     "Two values compared; ranges of values, of space and of the picture.",
+     "vhGreaterThanVector_v1",
      {"comparison"}},
-    {"state",
-     "State",
-     "What the renderer knows of the sample: place, normals, ray, levels, labels.",
-     {"state"}},
-    {"names",
-     "Selection by object name",
+    {"state", "State and debugging",
+     "What the renderer knows of the sample: place, normals, ray, levels. Values on their way, told in the log.",
+     "vhStateNormal_v1",
+     {"state", "debug"}},
+    {"names", "Selection by object name",
      "Colours and scalars that depend on what is being shaded, by name or by pattern.",
-     {"switchColor", "switchScalar", "switchRegExp_v4"},
-     {"vhIsObject_v1"}},
-    {"layers",
-     "Mattes and layers",
+     "vhSwitchColor_v4",
+     {"switchColor", "switchScalar", "switchRegExp_v4"}, {"vhIsObject_v1"}},
+    {"layers", "Mattes and layers",
      "Layers composited, alpha and opacity set, mattes multiplied in and divided out.",
-     {"layer"},
-     {"vhSetOpacity_v1"}},
-    {"panoramas",
-     "Lenses and environments",
-     "Pictures all around: rendered through a lens, used as surroundings.",
+     "vhOver_v1",
+     {"layer"}, {"vhSetOpacity_v1"}},
+    {"panoramas", "Lenses and environments",
+     "Pictures all around, rendered through a lens or used as surroundings; gamma and brightness.",
+     "vhEnvironmentPanoramic_v1",
      {"lens", "environment"}},
-    {"lights",
-     "Lights and sampling",
+    {"lights", "Lights and sampling",
      "Area lights, light from particles, shadow passes and blurs along a line.",
+     "vhParticleLight_v1",
      {"particleLight", "geometry", "shadowPass", "sampler"}},
-    {"debugging", "Debugging", "Values written to the log on their way through a network.", {"debug"}},
 };
+// clang-format on
 
 static bool contains(std::initializer_list<std::string_view> list, std::string_view word)
 {
@@ -108,7 +108,7 @@ NameParts partsOf(std::string_view name)
 Catalog::Catalog(std::span<const Shader> shaders)
 {
     for (const Rule& rule : rules)
-        all.push_back({rule.name, rule.title, rule.about});
+        all.push_back({rule.name, rule.title, rule.about, rule.cover});
     for (const Shader& shader : shaders)
         if (const std::size_t group = ruleFor(shader); group < all.size())
             all[group].shaders.push_back(&shader);

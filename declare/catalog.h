@@ -20,6 +20,7 @@ struct Group {
     std::string_view name; ///< of its page's file
     std::string_view title;
     std::string_view about;
+    std::string_view cover; ///< the shader whose picture stands for all
     Shaders shaders{};
 };
 
@@ -30,7 +31,7 @@ struct NameParts {
 };
 NameParts partsOf(std::string_view name);
 
-/// Where in the catalogue a shader stands.
+/// The groups, and what stands beside what.
 class Catalog {
 public:
     explicit Catalog(std::span<const Shader> shaders);

@@ -26,6 +26,7 @@ std::string captionOf(std::string_view scene)
 struct Section {
     std::string_view id, title;
     Html content;
+    bool isShort = false; ///< some lines, that stand beside the title
 };
 
 static Html type(std::string_view name)
@@ -38,12 +39,12 @@ static Html type(const VHL::Field& field)
     return field.isArray ? html("array of {}", type(typeName(field.kind))) : type(typeName(field.kind));
 }
 
-static Html picture(const Exhibits& exhibits, const Shader& shader, std::string_view described)
+static Html picture(const Exhibits& exhibits, std::string_view shader, std::string_view described)
 {
-    if (!exhibits.pictures.contains(shader.name))
+    if (!exhibits.pictures.contains(shader))
         return {};
-    return html(R"(<img src="pictures/{}.png" width="240" height="180" loading="lazy" alt="{}">)",
-                shader.name, described);
+    return html(R"(<img src="pictures/{}.png" width="240" height="180" loading="lazy" alt="{}">)", shader,
+                described);
 }
 
 static Html links(const Shaders& shaders)
@@ -91,7 +92,7 @@ static std::string wholePage(std::string_view title, std::string_view about, con
 <script src="assets/theme.js"></script>
 <script src="assets/index.js" defer></script>
 <script src="assets/search.js" defer></script>
-<script src="assets/copy.js" defer></script>
+<script src="assets/page.js" defer></script>
 </head>
 <body>
 <a class="skip" href="#content">Skip to content</a>
@@ -121,7 +122,7 @@ static std::string wholePage(std::string_view title, std::string_view about, con
 static Html card(const Catalog& catalog, const Exhibits& exhibits, const Shader& shader)
 {
     return html("<li>{}<h2><a href=\"{}.html\">{}</a></h2>\n<p>{} {}</p></li>\n",
-                picture(exhibits, shader, ""), shader.name, breakable(shader.name),
+                picture(exhibits, shader.name, ""), shader.name, breakable(shader.name),
                 type(typeName(shader.result)), line(catalog, shader, shader.about.text));
 }
 
@@ -137,20 +138,13 @@ std::string groupPage(const Catalog& catalog, const Exhibits& exhibits, const Gr
              group.title, group.about, cards));
 }
 
-/// A group's picture: the first that one of its shaders has.
-static Html cover(const Exhibits& exhibits, const Group& group)
-{
-    const auto shown = std::ranges::find_if(
-        group.shaders, [&](const Shader* shader) { return exhibits.pictures.contains(shader->name); });
-    return shown == group.shaders.end() ? Html() : picture(exhibits, **shown, "");
-}
-
 std::string startPage(const Catalog& catalog, const Exhibits& exhibits)
 {
     Html cards;
     for (const Group& group : catalog.groups())
         cards += html("<li>{}<h2><a href=\"{}.html\">{}</a> <small>{}</small></h2>\n<p>{}</p></li>\n",
-                      cover(exhibits, group), group.name, group.title, group.shaders.size(), group.about);
+                      picture(exhibits, group.cover, ""), group.name, group.title, group.shaders.size(),
+                      group.about);
 
     Shaders byName = catalog.shaders();
     std::ranges::sort(byName, {}, &Shader::name);
@@ -230,7 +224,9 @@ static Html example(const Catalog& catalog, const Exhibits& exhibits, const Shad
     const auto found = exhibits.scenes.find(shader.name);
     if (found == exhibits.scenes.end())
         return {};
-    return html("<p>To render it here: <code>vhrender scenes/{}.mi</code></p>\n{}", shader.name,
+    return html("<p>Rendered in this page's folder by <code>vhrender "
+                "scenes/{}.mi</code></p>\n{}",
+                shader.name,
                 copyable(catalog, shader,
                          html(R"(<a href="scenes/{}.mi">{}.mi</a>)", shader.name, shader.name),
                          found->second));
@@ -238,7 +234,7 @@ static Html example(const Catalog& catalog, const Exhibits& exhibits, const Shad
 
 static Html figure(const Catalog& catalog, const Exhibits& exhibits, const Shader& shader)
 {
-    const Html shown = picture(exhibits, shader, "Rendered with " + std::string(shader.name));
+    const Html shown = picture(exhibits, shader.name, "Rendered with " + std::string(shader.name));
     if (shown.empty())
         return {};
     const auto scene = exhibits.scenes.find(shader.name);
@@ -249,15 +245,15 @@ static Html figure(const Catalog& catalog, const Exhibits& exhibits, const Shade
 static Html relatives(const Catalog& catalog, const Shader& shader)
 {
     Html all;
-    const auto add = [&](std::string_view title, const Shaders& shaders) {
+    std::set<const Shader*> shown = {&shader};
+    const auto add = [&](std::string_view title, Shaders shaders) {
+        std::erase_if(shaders, [&](const Shader* other) { return !shown.insert(other).second; });
         if (!shaders.empty())
             all += html("<h3>{}</h3>\n{}", title, links(shaders));
     };
-    Shaders others = catalog.groupOf(shader).shaders;
-    std::erase(others, &shader);
     add("Other versions", catalog.versions(shader));
     add("The same for other types", catalog.siblings(shader));
-    add(catalog.groupOf(shader).title, others);
+    add("More of the group", catalog.groupOf(shader).shaders);
     return all;
 }
 
@@ -269,10 +265,11 @@ static std::vector<Section> sections(const Catalog& catalog, const Exhibits& exh
     };
     std::vector<Section> all = {
         {"parameters", "Parameters", parameters(catalog, shader)},
-        {"result", "Result", result(catalog, shader)},
-        {"evaluation", "Evaluation", words(shader.about.order)},
-        {"edges", "Edges", words(shader.about.edges)},
-        {"messages", "Messages", words(shader.about.messages.empty() ? "None." : shader.about.messages)},
+        {"result", "Result", result(catalog, shader), shader.members.empty()},
+        {"evaluation", "Evaluation", words(shader.about.order), true},
+        {"edges", "Edge cases", words(shader.about.edges), true},
+        {"messages", "Messages", words(shader.about.messages.empty() ? "None." : shader.about.messages),
+         true},
         {"notes", "Notes", words(shader.about.notes)},
         {"example", "Example", example(catalog, exhibits, shader)},
         {"declaration", "Declaration",
@@ -294,8 +291,9 @@ std::string shaderPage(const Catalog& catalog, const Exhibits& exhibits, const S
     Html contents, parts;
     for (const Section& section : sections(catalog, exhibits, shader)) {
         contents += html("<li><a href=\"#{}\">{}</a></li>\n", section.id, section.title);
-        parts += html("<section aria-labelledby=\"{}\">\n<h2 id=\"{}\">{}</h2>\n{}</section>\n", section.id,
-                      section.id, section.title, section.content);
+        parts += html("<section{} aria-labelledby=\"{}\">\n<h2 id=\"{}\">{}</h2>\n{}</section>\n",
+                      section.isShort ? html(R"( class="short")") : Html(), section.id, section.id,
+                      section.title, html("<div>\n{}</div>\n", section.content));
     }
     return wholePage(
         std::string(shader.name) + " - vhl", shader.about.text, navigation(catalog, &group, shader.name),
@@ -320,7 +318,7 @@ std::string shaderPage(const Catalog& catalog, const Exhibits& exhibits, const S
                       "<a rel=\"next\" href=\"{}.html\"><small>Next</small> {}</a>\n")));
 }
 
-/// A text of printable ASCII as a string of a script; inside a page's own scripts no `<` may stand.
+/// A text of printable ASCII as a string of a script.
 static std::string scriptString(std::string_view text)
 {
     std::string quoted = "\"";

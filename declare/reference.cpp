@@ -55,7 +55,12 @@ std::string referencePage(std::span<const VHL::Description> shaders)
 
 std::string referenceIndex(std::span<const VHL::Description> shaders)
 {
-    std::string text = std::string("# Shaders\n\n") + written + "\n| shader | result | |\n|---|---|---|\n";
+    std::string text =
+        std::string("# Shaders\n\n") + written +
+        "\nThe same as pages for a browser, with pictures, scenes to copy and a search: "
+        "`cmake --build <build> --target reference`\nwrites them to `<build>/reference/index.html`; an "
+        "installation has them in `share/doc/vhl/reference`.\n"
+        "\n| shader | result | |\n|---|---|---|\n";
     for (const VHL::Description& shader : shaders)
         text += "| [`" + std::string(shader.name) + "`](" + std::string(shader.unit) + ".md) | " +
                 std::string(typeName(shader.result)) + " | " + cell(shader.about.text) + " |\n";

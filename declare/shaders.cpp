@@ -48,8 +48,14 @@ std::vector<std::string> faults(std::span<const VHL::Description> shaders)
             found.push_back(name + ": exported twice");
         if (!isOneLine(shader.about.text))
             found.push_back(name + ": needs a description of one line of ASCII");
-        if (!areNotes(shader.about.notes))
-            found.push_back(name + ": its notes have to be lines of ASCII, none of them empty at the ends");
+        const VHL::About& about = shader.about;
+        for (const auto& [kind, text] : {std::pair("order", about.order),
+                                         {"edges", about.edges},
+                                         {"messages", about.messages},
+                                         {"notes", about.notes}})
+            if (!areNotes(text))
+                found.push_back(name + ": its " + kind +
+                                " have to be lines of ASCII, none of them empty at the ends");
         for (const std::span<const VHL::Field> list : {shader.members, shader.fields})
             for (const VHL::Field& field : list)
                 if (!isOneLine(field.about))

@@ -149,6 +149,16 @@ TEST(ReferenceText, NotesFollowTheParametersAndStandNowhereElse)
     EXPECT_EQ(declare::referenceIndex(std::array{shader}), declare::referenceIndex(std::array{sample()}));
 }
 
+TEST(ReferenceText, SaysWhatIsSaidOfAShader)
+{
+    VHL::Description shader = sample();
+    shader.about.order = "The input, once.";
+    shader.about.messages = "A warning.";
+    EXPECT_NE(declare::referencePage(std::array{shader})
+                  .find("| Names. |\n\n**Evaluation.** The input, once.\n\n**Messages.** A warning.\n"),
+              std::string::npos);
+}
+
 TEST(ReferenceText, IndexLinksToTheUnitsPage)
 {
     EXPECT_NE(declare::referenceIndex(std::array{sample()})
@@ -178,16 +188,19 @@ TEST(Faults, MissingLongAndForeignTextsAreTold)
                   "sample_v2: its parameter \"flag\" needs a description of one line of ASCII"});
 }
 
-TEST(Faults, NotesThatAreNotLinesOfAsciiAreTold)
+TEST(Faults, WordsThatAreNotLinesOfAsciiAreTold)
 {
     for (const char* const notes :
          {"Tab\there.", "\nBegins with an empty line.", "Ends with one.\n", "\xc3\xb6"}) {
         VHL::Description shader = sample();
-        shader.about.notes = notes;
-        EXPECT_EQ(declare::faults(std::array{shader}),
-                  std::vector<std::string>{
-                      "sample_v2: its notes have to be lines of ASCII, none of them empty at the ends"})
-            << notes;
+        for (std::string_view* const text :
+             {&shader.about.order, &shader.about.edges, &shader.about.messages, &shader.about.notes})
+            *text = notes;
+        std::vector<std::string> expected;
+        for (const std::string kind : {"order", "edges", "messages", "notes"})
+            expected.push_back("sample_v2: its " + kind +
+                               " have to be lines of ASCII, none of them empty at the ends");
+        EXPECT_EQ(declare::faults(std::array{shader}), expected) << notes;
     }
 }
 

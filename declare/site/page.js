@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// Buttons that copy the text beside them.
+// Buttons that copy the text below them, and the list of groups where the reader is.
 'use strict';
 
 (() => {
@@ -21,4 +21,9 @@
       copy(button.closest('.copyable').querySelector('code')).then(() => say('Copied'), () => say('Not copied')));
     button.hidden = false;
   }
+
+  const groups = document.getElementById('groups');
+  const current = groups.querySelector('[aria-current]');
+  if (current && current.offsetTop + current.offsetHeight > groups.clientHeight)
+    groups.scrollTop = current.offsetTop - groups.clientHeight / 2;
 })();
