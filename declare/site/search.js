@@ -4,19 +4,20 @@
 
 (() => {
   const normal = text => text.toLowerCase().replaceAll('colour', 'color');
-  /** A name as words: "vhMixColor_v2" is "mix color v2". */
-  const wordsOf = name => name.replace(/^vh/, '').replace(/([A-Z]+[a-z]*|[0-9]+|_)/g, ' $1').replaceAll('_', '').trim();
+  /** A name as words: "vhSubAColor_v2" is "sub a color v 2". */
+  const wordsOf = name => name.replace(/^vh/, '').match(/[A-Z][a-z]+|[A-Z]+(?![a-z])|[a-z]+|[0-9]+/g).join(' ');
 
   const entries = shaders.map(([name, group, result, text, fields]) => ({
     name, group, result, text,
     fields: fields.split(' '),
     plain: normal(name),
-    words: ' ' + normal(wordsOf(name)),
+    words: ` ${normal(wordsOf(name))} `,
     sentence: ' ' + normal(`${text} ${group} ${result}`),
   }));
 
   const inName = (entry, term) =>
     entry.plain === term || entry.plain === 'vh' + term ? 100
+    : entry.words.includes(` ${term} `) ? 70
     : entry.plain.startsWith('vh' + term) || entry.plain.startsWith(term) ? 60
     : entry.words.includes(' ' + term) ? 50
     : entry.plain.includes(term) ? 30 : 0;

@@ -167,8 +167,10 @@ test('search finds by name, by words of a description, by parameter', () => open
   assert.equal((await find(page, 'mixcolor'))[0], 'vhMixColor_v2');
   assert.equal((await find(page, 'color mix'))[0], 'vhMixColor_v2');
   assert.equal((await find(page, 'AND'))[0].slice(0, 5), 'vhAnd');
+  assert.equal((await find(page, 'normal'))[0], 'vhStateNormal_v1'); // before vhNormalizeVector_v1
+  assert.equal((await find(page, 'color suba'))[0].slice(0, 11), 'vhSubAColor');
   assert.ok((await find(page, 'penumbra particles')).length === 0);
-  assert.deepEqual(await find(page, 'dot product'), ['vhVector2Scalar_v1', 'vhColor2Scalar_v1'].sort((a, b) => a.length - b.length));
+  assert.deepEqual((await find(page, 'dot product')).sort(), ['vhColor2Scalar_v1', 'vhVector2Scalar_v1']);
   assert.ok((await find(page, 'panoramic image')).includes('vhEnvironmentPanoramic_v1'));
 
   const withParameter = shaders.filter(({ parameters }) => parameters.some(([name]) => name === 'defaultColor'));
@@ -338,7 +340,10 @@ for (const colorScheme of ['light', 'dark'])
 test('nothing is wider than a telephone', () => withPage({ viewport: { width: 360, height: 740 } }, async page => {
   for (const name of ['index.html', 'state.html', 'vhSwitchColor_v4.html', 'vhMixerColor16_v1.html', 'vhStateRefractionLevelScalar_v1.html']) {
     await page.goto(urlOf(name));
+    await page.fill('#query', 'color');
     assert.equal(await page.evaluate(() => document.documentElement.scrollWidth), 360, name);
+    const { x, width } = await page.locator('#found').boundingBox();
+    assert.ok(x >= 0 && width >= 320 && x + width <= 360, name);
   }
 }));
 
