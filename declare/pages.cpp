@@ -260,17 +260,17 @@ static Html relatives(const Catalog& catalog, const Shader& shader)
 /// The parts of a shader's page; those with nothing in them are left out.
 static std::vector<Section> sections(const Catalog& catalog, const Exhibits& exhibits, const Shader& shader)
 {
-    const auto words = [&](std::string_view text) {
-        return text.empty() ? Html() : blocks(catalog, shader, text);
+    const auto words = [&](std::string_view text, Names names = Names::unmistakable) {
+        return text.empty() ? Html() : html("<p>{}</p>\n", line(catalog, shader, text, names));
     };
     std::vector<Section> all = {
         {"parameters", "Parameters", parameters(catalog, shader)},
         {"result", "Result", result(catalog, shader), shader.members.empty()},
-        {"evaluation", "Evaluation", words(shader.about.order), true},
+        {"evaluation", "Evaluation", words(shader.about.order, Names::all), true},
         {"edges", "Edge cases", words(shader.about.edges), true},
         {"messages", "Messages", words(shader.about.messages.empty() ? "None." : shader.about.messages),
          true},
-        {"notes", "Notes", words(shader.about.notes)},
+        {"notes", "Notes", blocks(catalog, shader, shader.about.notes)},
         {"example", "Example", example(catalog, exhibits, shader)},
         {"declaration", "Declaration",
          copyable(catalog, shader, html("<span>vhl.mi</span>"), declaration(shader))},

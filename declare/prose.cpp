@@ -50,28 +50,28 @@ Html link(const Shader& shader)
     return html(R"(<a href="{}.html"><code>{}</code></a>)", shader.name, breakable(shader.name));
 }
 
-/// A parameter whose name is no word of a language: input1, useAlpha1.
-static bool isPlainlyParameter(const Shader& shader, std::string_view word)
+static bool isParameter(const Shader& shader, std::string_view word, Names names)
 {
-    return std::ranges::any_of(word, [](char c) { return isUpper(c) || isDigit(c); }) &&
+    return (names == Names::all ||
+            std::ranges::any_of(word, [](char c) { return isUpper(c) || isDigit(c); })) &&
            std::ranges::any_of(shader.fields,
                                [&](const VHL::Field& f) { return word == f.name.text.data(); });
 }
 
-static Html word(const Catalog& catalog, const Shader& shader, std::string_view text)
+static Html word(const Catalog& catalog, const Shader& shader, std::string_view text, Names names)
 {
     const Shader* const named = catalog.find(text);
     if (named && named != &shader)
         return link(*named);
-    return named || isPlainlyParameter(shader, text) ? html("<code>{}</code>", text) : Html(text);
+    return named || isParameter(shader, text, names) ? html("<code>{}</code>", text) : Html(text);
 }
 
-Html line(const Catalog& catalog, const Shader& shader, std::string_view text)
+Html line(const Catalog& catalog, const Shader& shader, std::string_view text, Names names)
 {
     Html all;
     while (!text.empty())
         if (isWordPart(text.front()))
-            all += word(catalog, shader, takeWhile(text, isWordPart));
+            all += word(catalog, shader, takeWhile(text, isWordPart), names);
         else if (const std::string_view mark = take(text, 1); mark == "`")
             all += html("<code>{}</code>", takeUntil(text, "`"));
         else

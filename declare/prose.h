@@ -9,9 +9,13 @@
 
 namespace declare {
 
-/// One line of text: `code`, names of shaders, and names of the shader's own parameters where they cannot be
-/// mistaken for words.
-Html line(const Catalog& catalog, const Shader& shader, std::string_view text);
+/// Which of the shader's own parameters a text is sure to name: those that cannot be mistaken for words, as
+/// input1 and useAlpha, or all, as where it tells what is evaluated.
+enum class Names { unmistakable, all };
+
+/// One line of text, with `code` and the names of shaders and parameters.
+Html line(const Catalog& catalog, const Shader& shader, std::string_view text,
+          Names names = Names::unmistakable);
 
 /// Markdown as far as notes use it: paragraphs, lists of one level, tables, blocks of code.
 Html blocks(const Catalog& catalog, const Shader& shader, std::string_view markdown);

@@ -45,7 +45,7 @@ std::string referencePage(std::span<const VHL::Description> shaders)
                     (standard.empty() ? "none" : standard) + " | " + rangeText(field) + " | " +
                     cell(field.about) + " |\n";
         }
-        text += paragraph("Evaluation", shader.about.order) + paragraph("Edges", shader.about.edges) +
+        text += paragraph("Evaluation", shader.about.order) + paragraph("Edge cases", shader.about.edges) +
                 paragraph("Messages", shader.about.messages);
         if (!shader.about.notes.empty())
             text += '\n' + std::string(shader.about.notes) + '\n';

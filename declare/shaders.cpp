@@ -5,6 +5,7 @@
 #include <charconv>
 #include <set>
 #include <tuple>
+#include <utility>
 
 static std::vector<VHL::Description>& list()
 {
@@ -46,21 +47,21 @@ std::vector<std::string> faults(std::span<const VHL::Description> shaders)
         const std::string name(shader.name);
         if (!names.insert(shader.name).second)
             found.push_back(name + ": exported twice");
-        if (!isOneLine(shader.about.text))
-            found.push_back(name + ": needs a description of one line of ASCII");
         const VHL::About& about = shader.about;
-        for (const auto& [kind, text] : {std::pair("order", about.order),
-                                         {"edges", about.edges},
-                                         {"messages", about.messages},
-                                         {"notes", about.notes}})
-            if (!areNotes(text))
-                found.push_back(name + ": its " + kind +
-                                " have to be lines of ASCII, none of them empty at the ends");
+        for (const auto& [what, text] :
+             {std::pair("a description", about.text), std::pair("its order of evaluation", about.order),
+              std::pair("what happens at the edges", about.edges)})
+            if (!isOneLine(text))
+                found.push_back(name + ": needs " + what + " in one line of ASCII");
+        if (!about.messages.empty() && !isOneLine(about.messages))
+            found.push_back(name + ": its messages have to be told in one line of ASCII");
+        if (!areNotes(about.notes))
+            found.push_back(name + ": its notes have to be lines of ASCII, none of them empty at the ends");
         for (const std::span<const VHL::Field> list : {shader.members, shader.fields})
             for (const VHL::Field& field : list)
                 if (!isOneLine(field.about))
                     found.push_back(name + ": its parameter \"" + field.name.text.data() +
-                                    "\" needs a description of one line of ASCII");
+                                    "\" needs a description in one line of ASCII");
     }
     return found;
 }

@@ -146,8 +146,9 @@ private:
 
 static constexpr const char* bothAlways = "input1, then input2, each once; both also when the first decides.";
 static constexpr const char* untilDecided =
-    "The elements in order, each at most once, up to the one that decides; those behind it not at all. Where "
-    "the array lies and how long it is are read once, when the shader is made ready.";
+    "The elements in order, each at most once, up to the one that decides; those behind it not at all. When "
+    "the shader is made ready, once: where the array lies, how long it is, and the element at its first "
+    "place.";
 static constexpr const char* anyWord =
     "Any input is fine: 0 is off, every other word is on. The result is 0 or 1.";
 static constexpr const char* anyArray =
@@ -155,7 +156,7 @@ static constexpr const char* anyArray =
     "gives what its description says. The result is 0 or 1.";
 
 VHL_EXPORT_SHADER(vhNot_v1, vhNot, "On when the input is off.", .result = VHL::Kind::boolean,
-                  .order = "The input, once.", .edges = anyWord)
+                  .order = "input, once.", .edges = anyWord)
 VHL_EXPORT_SHADER(vhXOr_v1, vhXOr, "On when exactly one of the two inputs is on.",
                   .result = VHL::Kind::boolean, .order = bothAlways, .edges = anyWord)
 VHL_EXPORT_SHADER(vhOr_v1, vhOr,

@@ -183,7 +183,6 @@ struct _vhInRasterPositionRangeParams {
     }
 };
 
-static constexpr const char* bothSides = "input1, then input2, each once; always both.";
 static constexpr const char* equality =
     "No tolerance: the next float is another number. 0 equals -0, an infinity equals itself, and with a NaN "
     "on either side the result is off.";
@@ -203,7 +202,7 @@ static constexpr const char* ordering =
         }                                                                                                    \
     };                                                                                                       \
     VHL_EXPORT_SHADER(vh##Name##Of##_v1, vh##Name##Of, description, .result = VHL::Kind::boolean,            \
-                      .order = bothSides, .edges = itsEdges)
+                      .order = VHL::pairOrder, .edges = itsEdges)
 
 RELATION(Equal, Scalar, equal, equality,
          "Whether input1 = input2 without a tolerance; 0 equals -0; false for NaN.")

@@ -179,6 +179,6 @@ VHL_EXPORT_SHADER(
     vhMatteDiv_v1, vhMatteDiv,
     "Un-premultiply: red, green and blue divided by alpha, not clamped. Where alpha is 0 the input "
     "stays as it is.",
-    .order = "The input, once.",
+    .order = "input, once.",
     .edges = "Alpha 0 or -0: the input passes unchanged, nothing is divided. Others divide whatever they "
              "are: a tiny alpha may give infinities, an infinite one gives 0, and a NaN gives NaN.")

@@ -147,7 +147,7 @@ VHL_EXPORT_SHADER(
     "A light that shines from a list of points, each with a colour of its own: for a light with "
     "a user area.",
     .apply = "light",
-    .order = "When the shader is made ready, once: lightCount, the positions in order, the colors in order, "
+    .order = "When the shader is made ready, once: lightCount, positions in order, colors in order, "
              "shadow, falloff. Samples evaluate nothing; with shadow on each particle that the point faces "
              "takes a shadow ray.",
     .edges = "At the place of a particle itself the light has no direction and arrives in full, halved by "

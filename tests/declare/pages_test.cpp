@@ -65,7 +65,7 @@ protected:
     std::string blocks(std::string_view text) const { return declare::blocks(catalog, shader, text).str(); }
     std::string scene(std::string_view text) const { return declare::scene(catalog, &shader, text).str(); }
 };
-using Names = std::vector<std::string>;
+using List = std::vector<std::string>;
 
 TEST(HtmlText, IsEscapedUnlessItIsHtml)
 {
@@ -94,7 +94,7 @@ TEST_F(Pages, CatalogTakesByNameBeforeUnitAndLeavesTheUnknown)
 {
     EXPECT_EQ(catalog.groupOf(*catalog.find("vhSetOpacity_v1")).name, "layers");
     EXPECT_EQ(catalog.groupOf(shader).name, "arithmetic");
-    EXPECT_EQ(names(catalog.strays()), Names{"vhSomethingNew_v1"});
+    EXPECT_EQ(names(catalog.strays()), List{"vhSomethingNew_v1"});
     EXPECT_EQ(catalog.find("vhSomethingNew_v1"), nullptr);
     for (const declare::Group& group : catalog.groups())
         EXPECT_FALSE(group.shaders.empty()) << group.name;
@@ -102,9 +102,9 @@ TEST_F(Pages, CatalogTakesByNameBeforeUnitAndLeavesTheUnknown)
 
 TEST_F(Pages, CatalogKnowsRelatives)
 {
-    EXPECT_EQ(names(catalog.versions(shader)), Names{"vhAddColor_v1"});
-    EXPECT_EQ(names(catalog.siblings(shader)), Names{"vhAddScalar_v1"});
-    EXPECT_EQ(names(catalog.siblings(*catalog.find("vhMixerColor4_v1"))), Names{"vhMixerScalar16_v1"});
+    EXPECT_EQ(names(catalog.versions(shader)), List{"vhAddColor_v1"});
+    EXPECT_EQ(names(catalog.siblings(shader)), List{"vhAddScalar_v1"});
+    EXPECT_EQ(names(catalog.siblings(*catalog.find("vhMixerColor4_v1"))), List{"vhMixerScalar16_v1"});
     EXPECT_EQ(catalog.neighbour(*catalog.shaders().front(), -1), nullptr);
     EXPECT_EQ(catalog.neighbour(*catalog.shaders().back(), +1), nullptr);
     EXPECT_EQ(catalog.neighbour(shader, +1), catalog.find("vhAddColor_v1"));
@@ -114,7 +114,7 @@ TEST(Catalog, TakesEveryShaderOfTheLibraryAndShowsOneOfEachGroup)
 {
     const std::vector<VHL::Description> shaders = declare::shaders();
     const Catalog catalog(shaders);
-    EXPECT_EQ(names(catalog.strays()), Names());
+    EXPECT_EQ(names(catalog.strays()), List());
     EXPECT_EQ(catalog.shaders().size(), shaders.size());
     for (const declare::Group& group : catalog.groups()) {
         const VHL::Description* const cover = catalog.find(group.cover);
@@ -129,6 +129,8 @@ TEST_F(Pages, LineLinksOthersAndMarksOwnNames)
               "As <a href=\"vhAddScalar_v1.html\"><code>vh<wbr>Add<wbr>Scalar<wbr>_v1</code></a>.");
     EXPECT_EQ(line("vhAddColor_v2, vhAddColor_v3"), "<code>vhAddColor_v2</code>, vhAddColor_v3");
     EXPECT_EQ(line("input1 < weight"), "<code>input1</code> &lt; weight");
+    EXPECT_EQ(declare::line(catalog, shader, "Then weight.", declare::Names::all).str(),
+              "Then <code>weight</code>.");
     EXPECT_EQ(line("`a<b` and `rest"), "<code>a&lt;b</code> and <code>rest</code>");
     EXPECT_EQ(line(""), "");
 }

@@ -31,7 +31,14 @@ static constexpr auto fields = Sample::fields();
 
 static VHL::Description sample(std::string_view name = "sample_v2", std::string_view text = "A sample.")
 {
-    return {name, "unit", 1, 2, VHL::Kind::scalar, {}, fields, {text}};
+    return {name,
+            "unit",
+            1,
+            2,
+            VHL::Kind::scalar,
+            {},
+            fields,
+            {.text = text, .order = "tint, once.", .edges = "Any input is fine."}};
 }
 
 struct Parts {
@@ -144,7 +151,9 @@ TEST(ReferenceText, NotesFollowTheParametersAndStandNowhereElse)
     VHL::Description shader = sample();
     shader.about.notes = "A note.\n\n- a list";
     const std::string text = declare::referencePage(std::array{shader, sample("next_v2")});
-    EXPECT_NE(text.find("| Names. |\n\nA note.\n\n- a list\n\n## next_v2\n"), std::string::npos) << text;
+    EXPECT_NE(text.find("\n\n**Edge cases.** Any input is fine.\n\nA note.\n\n- a list\n\n## next_v2\n"),
+              std::string::npos)
+        << text;
     EXPECT_EQ(declare::declarations(std::array{shader}), declare::declarations(std::array{sample()}));
     EXPECT_EQ(declare::referenceIndex(std::array{shader}), declare::referenceIndex(std::array{sample()}));
 }
@@ -152,10 +161,10 @@ TEST(ReferenceText, NotesFollowTheParametersAndStandNowhereElse)
 TEST(ReferenceText, SaysWhatIsSaidOfAShader)
 {
     VHL::Description shader = sample();
-    shader.about.order = "The input, once.";
     shader.about.messages = "A warning.";
     EXPECT_NE(declare::referencePage(std::array{shader})
-                  .find("| Names. |\n\n**Evaluation.** The input, once.\n\n**Messages.** A warning.\n"),
+                  .find("| Names. |\n\n**Evaluation.** tint, once.\n\n**Edge cases.** Any input is fine.\n\n"
+                        "**Messages.** A warning.\n"),
               std::string::npos);
 }
 
@@ -173,7 +182,9 @@ TEST(Faults, MissingLongAndForeignTextsAreTold)
     for (const char* const text : {"", "Two\nlines.",
                                    "Gr\xc3\xb6\xc3\x9f"
                                    "e."})
-        EXPECT_EQ(declare::faults(std::array{sample("a_v2", text)}).size(), 1u) << text;
+        EXPECT_EQ(declare::faults(std::array{sample("a_v2", text)}),
+                  std::vector<std::string>{"a_v2: needs a description in one line of ASCII"})
+            << text;
     auto undescribedParts = parts;
     undescribedParts[0].about = "";
     VHL::Description ofParts = sampleOfParts();
@@ -185,22 +196,33 @@ TEST(Faults, MissingLongAndForeignTextsAreTold)
     shader.fields = undescribed;
     EXPECT_EQ(declare::faults(std::array{shader}),
               std::vector<std::string>{
-                  "sample_v2: its parameter \"flag\" needs a description of one line of ASCII"});
+                  "sample_v2: its parameter \"flag\" needs a description in one line of ASCII"});
 }
 
-TEST(Faults, WordsThatAreNotLinesOfAsciiAreTold)
+TEST(Faults, MissingOrdersAndEdgesAndForeignMessagesAreTold)
+{
+    VHL::Description shader = sample();
+    shader.about.messages = "Warns once.";
+    EXPECT_EQ(declare::faults(std::array{shader}), std::vector<std::string>());
+    shader.about.order = "";
+    shader.about.edges = "Two\nlines.";
+    shader.about.messages = "Two\nlines.";
+    EXPECT_EQ(declare::faults(std::array{shader}),
+              (std::vector<std::string>{"sample_v2: needs its order of evaluation in one line of ASCII",
+                                        "sample_v2: needs what happens at the edges in one line of ASCII",
+                                        "sample_v2: its messages have to be told in one line of ASCII"}));
+}
+
+TEST(Faults, NotesThatAreNotLinesOfAsciiAreTold)
 {
     for (const char* const notes :
          {"Tab\there.", "\nBegins with an empty line.", "Ends with one.\n", "\xc3\xb6"}) {
         VHL::Description shader = sample();
-        for (std::string_view* const text :
-             {&shader.about.order, &shader.about.edges, &shader.about.messages, &shader.about.notes})
-            *text = notes;
-        std::vector<std::string> expected;
-        for (const std::string kind : {"order", "edges", "messages", "notes"})
-            expected.push_back("sample_v2: its " + kind +
-                               " have to be lines of ASCII, none of them empty at the ends");
-        EXPECT_EQ(declare::faults(std::array{shader}), expected) << notes;
+        shader.about.notes = notes;
+        EXPECT_EQ(declare::faults(std::array{shader}),
+                  std::vector<std::string>{
+                      "sample_v2: its notes have to be lines of ASCII, none of them empty at the ends"})
+            << notes;
     }
 }
 
