@@ -94,8 +94,16 @@ test('a shader page shows its declaration, version and result, and its scene as 
     const page = surveys.get(`${name}.html`);
     assert.ok(page.code.at(-1).trimEnd().endsWith(text), name);
     assert.match(page.text, new RegExp(`\\b${result}\\s+version ${version}\\n`), name);
-    const scene = join(site, 'scenes', `${name}.mi`);
-    if (existsSync(scene)) assert.equal(page.code[0], readFileSync(scene, 'utf8'));
+    assert.equal(page.code[0], readFileSync(join(site, 'scenes', `${name}.mi`), 'utf8'));
+  }
+});
+
+test('no shader lacks a picture, a scene or a section', () => {
+  const expected = ['Parameters', 'Result', 'Evaluation', 'Edge cases', 'Messages', 'Example', 'Declaration', 'See also'];
+  for (const { name } of shaders) {
+    const { sections, pictures } = surveys.get(`${name}.html`);
+    assert.deepEqual(sections.filter(title => title !== 'Notes'), expected, name);
+    assert.ok(pictures.some(({ source }) => source === urlOf(`pictures/${name}.png`)), name);
   }
 });
 
