@@ -7,6 +7,7 @@
 #include "declare/write.h"
 
 #include <algorithm>
+#include <array>
 
 namespace declare {
 
@@ -52,28 +53,35 @@ static Html links(const Shaders& shaders)
     Html items;
     for (const Shader* shader : shaders)
         items += html("<li>{}</li>\n", link(*shader));
-    return html("<ul class=\"names\">\n{}</ul>\n", items);
+    return html(R"(<ul class="names">
+{}</ul>
+)",
+                items);
 }
 
 /// All groups, with the shaders of the one that the page belongs to.
 static Html navigation(const Catalog& catalog, const Group* open, std::string_view page)
 {
-    const auto current = [&](std::string_view name) {
-        return name == page ? html(R"( aria-current="page")") : Html();
+    const auto item = [&](std::string_view name, const Html& title, const Html& below) {
+        return html("<li><a href=\"{}.html\"{}>{}</a>{}</li>\n", name,
+                    name == page ? html(R"( aria-current="page")") : Html(), title, below);
+    };
+    const auto inside = [&](const Group& group) {
+        Html items;
+        for (const Shader* shader : group.shaders)
+            items += item(shader->name, breakable(shader->name), {});
+        return html("\n<ul>\n{}</ul>\n", items);
     };
     Html items;
-    for (const Group& group : catalog.groups()) {
-        Html inside;
-        if (&group == open) {
-            for (const Shader* shader : group.shaders)
-                inside += html("<li><a href=\"{}.html\"{}>{}</a></li>\n", shader->name, current(shader->name),
-                               breakable(shader->name));
-            inside = html("\n<ul>\n{}</ul>\n", inside);
-        }
-        items += html("<li><a href=\"{}.html\"{}>{} <small>{}</small></a>{}</li>\n", group.name,
-                      current(group.name), group.title, group.shaders.size(), inside);
-    }
-    return html("<nav class=\"groups\" id=\"groups\" aria-label=\"Groups\">\n<ul>\n{}</ul>\n</nav>\n", items);
+    for (const Group& group : catalog.groups())
+        items += item(group.name, html("{} <small>{}</small>", group.title, group.shaders.size()),
+                      &group == open ? inside(group) : Html());
+    return html(R"(<nav class="groups" id="groups" aria-label="Groups">
+<ul>
+{}</ul>
+</nav>
+)",
+                items);
 }
 
 static std::string wholePage(std::string_view title, std::string_view about, const Html& navigation,
@@ -119,39 +127,48 @@ static std::string wholePage(std::string_view title, std::string_view about, con
         .str();
 }
 
-static Html card(const Catalog& catalog, const Exhibits& exhibits, const Shader& shader)
+static Html card(const Exhibits& exhibits, std::string_view pictured, std::string_view page,
+                 const Html& title, const Html& text)
 {
-    return html("<li>{}<h2><a href=\"{}.html\">{}</a></h2>\n<p>{} {}</p></li>\n",
-                picture(exhibits, shader.name, ""), shader.name, breakable(shader.name),
-                type(typeName(shader.result)), line(catalog, shader, shader.about.text));
+    return html(R"(<li>{}<h2><a href="{}.html">{}</a></h2>
+<p>{}</p></li>
+)",
+                picture(exhibits, pictured, ""), page, title, text);
 }
 
 std::string groupPage(const Catalog& catalog, const Exhibits& exhibits, const Group& group)
 {
     Html cards;
     for (const Shader* shader : group.shaders)
-        cards += card(catalog, exhibits, *shader);
-    return wholePage(
-        std::string(group.title) + " - vhl", group.about, navigation(catalog, &group, group.name),
-        html("<nav class=\"path\" aria-label=\"Path\"><a href=\"index.html\">Reference</a></nav>\n"
-             "<h1>{}</h1>\n<p class=\"lead\">{}</p>\n<ul class=\"cards\">\n{}</ul>\n",
-             group.title, group.about, cards));
+        cards +=
+            card(exhibits, shader->name, shader->name, breakable(shader->name),
+                 html("{} {}", type(typeName(shader->result)), line(catalog, *shader, shader->about.text)));
+    return wholePage(std::string(group.title) + " - vhl", group.about,
+                     navigation(catalog, &group, group.name),
+                     html(R"(<nav class="path" aria-label="Path"><a href="index.html">Reference</a></nav>
+<h1>{}</h1>
+<p class="lead">{}</p>
+<ul class="cards">
+{}</ul>
+)",
+                          group.title, group.about, cards));
 }
 
 std::string startPage(const Catalog& catalog, const Exhibits& exhibits)
 {
     Html cards;
     for (const Group& group : catalog.groups())
-        cards += html("<li>{}<h2><a href=\"{}.html\">{}</a> <small>{}</small></h2>\n<p>{}</p></li>\n",
-                      picture(exhibits, group.cover, ""), group.name, group.title, group.shaders.size(),
-                      group.about);
+        cards += card(exhibits, group.cover, group.name,
+                      html("{} <small>{}</small>", group.title, group.shaders.size()), group.about);
 
     Shaders byName = catalog.shaders();
     std::ranges::sort(byName, {}, &Shader::name);
     Html rows;
     for (const Shader* shader : byName)
-        rows += html("<tr><th scope=\"row\">{}</th><td>{}</td><td>{}</td></tr>\n", link(*shader),
-                     type(typeName(shader->result)), line(catalog, *shader, shader->about.text));
+        rows +=
+            html(R"(<tr><th scope="row">{}</th><td>{}</td><td>{}</td></tr>
+)",
+                 link(*shader), type(typeName(shader->result)), line(catalog, *shader, shader->about.text));
 
     return wholePage("vhl shader reference", "All shaders of the library, by what they are for.",
                      navigation(catalog, nullptr, "index"),
@@ -162,36 +179,25 @@ what it does at the edges, and a scene to copy.</p>
 <ul class="cards">
 {}</ul>
 <h2 id="all">All shaders</h2>
-<table class="all">
-<thead><tr><th scope="col">Shader</th><th scope="col">Result</th><th scope="col">What it does</th></tr></thead>
-<tbody>
-{}</tbody>
-</table>
-)",
+{})",
                           byName.size(), scene(catalog, nullptr, "link \"libvhl.so\"\n$include <vhl.mi>\n"),
-                          cards, rows));
+                          cards,
+                          table("all", std::array<Html, 3>{"Shader", "Result", "What it does"}, rows)));
 }
 
 static Html parameters(const Catalog& catalog, const Shader& shader)
 {
     Html rows;
     for (const VHL::Field& field : shader.fields) {
-        const std::string standard = defaultText(field);
         const char* const name = field.name.text.data();
-        rows +=
-            html(R"(<tr id="p-{}"><th scope="row"><a href="#p-{}"><code>{}</code></a></th>)", name, name,
-                 name) +
-            html(
-                R"(<td data-label="Type">{}</td><td data-label="Default">{}</td><td data-label="Range">{}</td>)",
-                type(field), standard.empty() ? "none" : standard, rangeText(field)) +
-            html("<td>{}</td></tr>\n", line(catalog, shader, field.about));
+        const std::string standard = defaultText(field);
+        rows += html(R"(<tr id="p-{}"><th scope="row"><a href="#p-{}"><code>{}</code></a></th>
+<td data-label="Type">{}</td><td data-label="Default">{}</td><td data-label="Range">{}</td><td>{}</td></tr>
+)",
+                     name, name, name, type(field), standard.empty() ? "none" : standard, rangeText(field),
+                     line(catalog, shader, field.about));
     }
-    return html(
-        "<table class=\"parameters\">\n<thead><tr><th scope=\"col\">Parameter</th><th scope=\"col\">Type</th>"
-        "<th scope=\"col\">Default</th><th scope=\"col\">Range</th><th "
-        "scope=\"col\">Meaning</th></tr></thead>\n"
-        "<tbody>\n{}</tbody>\n</table>\n",
-        rows);
+    return table("parameters", std::array<Html, 5>{"Parameter", "Type", "Default", "Range", "Meaning"}, rows);
 }
 
 static Html result(const Catalog& catalog, const Shader& shader)
@@ -201,21 +207,19 @@ static Html result(const Catalog& catalog, const Shader& shader)
         return all;
     Html rows;
     for (const VHL::Field& member : shader.members)
-        rows += html(
-            "<tr><th scope=\"row\"><code>{}</code></th><td data-label=\"Type\">{}</td><td>{}</td></tr>\n",
-            member.name.text.data(), type(member), line(catalog, shader, member.about));
-    all +=
-        html("<table class=\"members\">\n<thead><tr><th scope=\"col\">Member</th><th scope=\"col\">Type</th>"
-             "<th scope=\"col\">Meaning</th></tr></thead>\n<tbody>\n{}</tbody>\n</table>\n",
-             rows);
+        rows += html(R"(<tr><th scope="row"><code>{}</code></th><td data-label="Type">{}</td><td>{}</td></tr>
+)",
+                     member.name.text.data(), type(member), line(catalog, shader, member.about));
+    all += table("members", std::array<Html, 3>{"Member", "Type", "Meaning"}, rows);
     return all;
 }
 
 /// Scene text under a bar with its name and a button, which the script shows where it can copy.
 static Html copyable(const Catalog& catalog, const Shader& shader, const Html& title, std::string_view text)
 {
-    return html("<div class=\"copyable\"><div>{}<button type=\"button\" hidden>Copy</button></div>\n"
-                "<pre tabindex=\"0\"><code>{}</code></pre></div>\n",
+    return html(R"(<div class="copyable"><div>{}<button type="button" hidden>Copy</button></div>
+<pre tabindex="0"><code>{}</code></pre></div>
+)",
                 title, scene(catalog, &shader, text));
 }
 
@@ -224,12 +228,9 @@ static Html example(const Catalog& catalog, const Exhibits& exhibits, const Shad
     const auto found = exhibits.scenes.find(shader.name);
     if (found == exhibits.scenes.end())
         return {};
-    return html("<p>Rendered in this page's folder by <code>vhrender "
-                "scenes/{}.mi</code></p>\n{}",
-                shader.name,
-                copyable(catalog, shader,
-                         html(R"(<a href="scenes/{}.mi">{}.mi</a>)", shader.name, shader.name),
-                         found->second));
+    const Html file = html("{}.mi", shader.name);
+    return html("<p>Rendered in this page's folder by <code>vhrender scenes/{}</code></p>\n{}", file,
+                copyable(catalog, shader, html(R"(<a href="scenes/{}">{}</a>)", file, file), found->second));
 }
 
 static Html figure(const Catalog& catalog, const Exhibits& exhibits, const Shader& shader)
@@ -280,9 +281,12 @@ static std::vector<Section> sections(const Catalog& catalog, const Exhibits& exh
     return all;
 }
 
-static Html step(const Shader* shader, Pattern<2> pattern)
+static Html step(const Shader* shader, std::string_view relation, std::string_view title)
 {
-    return shader ? html(pattern, shader->name, breakable(shader->name)) : Html();
+    return shader ? html(R"(<a rel="{}" href="{}.html"><small>{}</small> {}</a>
+)",
+                         relation, shader->name, title, breakable(shader->name))
+                  : Html();
 }
 
 std::string shaderPage(const Catalog& catalog, const Exhibits& exhibits, const Shader& shader)
@@ -290,15 +294,22 @@ std::string shaderPage(const Catalog& catalog, const Exhibits& exhibits, const S
     const Group& group = catalog.groupOf(shader);
     Html contents, parts;
     for (const Section& section : sections(catalog, exhibits, shader)) {
-        contents += html("<li><a href=\"#{}\">{}</a></li>\n", section.id, section.title);
-        parts += html("<section{} aria-labelledby=\"{}\">\n<h2 id=\"{}\">{}</h2>\n{}</section>\n",
+        contents += html(R"(<li><a href="#{}">{}</a></li>
+)",
+                         section.id, section.title);
+        parts += html(R"(<section{} aria-labelledby="{}">
+<h2 id="{}">{}</h2>
+<div>
+{}</div>
+</section>
+)",
                       section.isShort ? html(R"( class="short")") : Html(), section.id, section.id,
-                      section.title, html("<div>\n{}</div>\n", section.content));
+                      section.title, section.content);
     }
     return wholePage(
         std::string(shader.name) + " - vhl", shader.about.text, navigation(catalog, &group, shader.name),
-        html(
-            R"(<nav class="path" aria-label="Path"><a href="index.html">Reference</a> / <a href="{}.html">{}</a></nav>
+        html(R"(<nav class="path" aria-label="Path"><a href="index.html">Reference</a> /
+<a href="{}.html">{}</a></nav>
 <div class="opening">
 <div>
 <h1>{}</h1>
@@ -306,16 +317,17 @@ std::string shaderPage(const Catalog& catalog, const Exhibits& exhibits, const S
 <p class="facts">{} <span>version {}</span></p>
 </div>
 {}</div>
+<nav class="contents" aria-label="On this page">
+<ul>
+{}</ul>
+</nav>
+{}<nav class="steps" aria-label="Previous and next">
+{}{}</nav>
 )",
-            group.name, group.title, breakable(shader.name), line(catalog, shader, shader.about.text),
-            type(typeName(shader.result)), std::size_t(shader.version), figure(catalog, exhibits, shader)) +
-            html("<nav class=\"contents\" aria-label=\"On this page\">\n<ul>\n{}</ul>\n</nav>\n{}"
-                 "<nav class=\"steps\" aria-label=\"Previous and next\">\n{}{}</nav>\n",
-                 contents, parts,
-                 step(catalog.neighbour(shader, -1),
-                      "<a rel=\"prev\" href=\"{}.html\"><small>Previous</small> {}</a>\n"),
-                 step(catalog.neighbour(shader, +1),
-                      "<a rel=\"next\" href=\"{}.html\"><small>Next</small> {}</a>\n")));
+             group.name, group.title, breakable(shader.name), line(catalog, shader, shader.about.text),
+             type(typeName(shader.result)), std::size_t(shader.version), figure(catalog, exhibits, shader),
+             contents, parts, step(catalog.neighbour(shader, -1), "prev", "Previous"),
+             step(catalog.neighbour(shader, +1), "next", "Next")));
 }
 
 /// A text of printable ASCII as a string of a script.

@@ -96,19 +96,40 @@ static std::vector<std::string> cells(std::string_view row)
     return all;
 }
 
-static Html table(const Catalog& catalog, const Shader& shader, std::string_view text)
+Html table(std::string_view kind, std::span<const Html> heads, const Html& rows)
 {
-    Html head, rows;
-    for (const std::string& cell : cells(takeUntil(text, "\n")))
-        head += html(R"(<th scope="col">{}</th>)", line(catalog, shader, cell));
+    Html head;
+    for (const Html& title : heads)
+        head += html(R"(<th scope="col">{}</th>)", title);
+    return html(R"(<table class="{}">
+<thead><tr>{}</tr></thead>
+<tbody>
+{}</tbody>
+</table>
+)",
+                kind, head, rows);
+}
+
+static std::vector<Html> cellLines(const Catalog& catalog, const Shader& shader, std::string_view row)
+{
+    std::vector<Html> all;
+    for (const std::string& cell : cells(row))
+        all.push_back(line(catalog, shader, cell));
+    return all;
+}
+
+static Html tableOf(const Catalog& catalog, const Shader& shader, std::string_view text)
+{
+    const std::vector<Html> heads = cellLines(catalog, shader, takeUntil(text, "\n"));
     takeUntil(text, "\n"); // the rule below the head
+    Html rows;
     while (!text.empty()) {
         Html row;
-        for (const std::string& cell : cells(takeUntil(text, "\n")))
-            row += html("<td>{}</td>", line(catalog, shader, cell));
+        for (const Html& cell : cellLines(catalog, shader, takeUntil(text, "\n")))
+            row += html("<td>{}</td>", cell);
         rows += html("<tr>{}</tr>\n", row);
     }
-    return html("<table>\n<thead><tr>{}</tr></thead>\n<tbody>\n{}</tbody>\n</table>\n", head, rows);
+    return table("notes", heads, rows);
 }
 
 static Html list(const Catalog& catalog, const Shader& shader, std::string_view text)
@@ -130,7 +151,7 @@ Html blocks(const Catalog& catalog, const Shader& shader, std::string_view markd
             takeUntil(markdown, "\n");
             all += html("<pre tabindex=\"0\"><code>{}</code></pre>\n", takeUntil(markdown, "\n```"));
         } else if (const std::string_view block = takeUntil(markdown, "\n\n"); block.starts_with('|'))
-            all += table(catalog, shader, block);
+            all += tableOf(catalog, shader, block);
         else if (block.starts_with("- "))
             all += list(catalog, shader, block);
         else

@@ -5,6 +5,7 @@
 #include "declare/catalog.h"
 #include "declare/html.h"
 
+#include <span>
 #include <string_view>
 
 namespace declare {
@@ -19,6 +20,9 @@ Html line(const Catalog& catalog, const Shader& shader, std::string_view text,
 
 /// Markdown as far as notes use it: paragraphs, lists of one level, tables, blocks of code.
 Html blocks(const Catalog& catalog, const Shader& shader, std::string_view markdown);
+
+/// A table of a kind that the style knows, empty for none; its rows are HTML already.
+Html table(std::string_view kind, std::span<const Html> heads, const Html& rows);
 
 /// Scene text, its comments, strings and words told apart, for the page of a shader, or of none.
 Html scene(const Catalog& catalog, const Shader* shader, std::string_view text);

@@ -140,7 +140,8 @@ TEST_F(Pages, BlocksAreParagraphsListsTablesAndCode)
     EXPECT_EQ(blocks("One\ntwo.\n\nThree."), "<p>One\ntwo.</p>\n<p>Three.</p>\n");
     EXPECT_EQ(blocks("- a\n  more\n- b"), "<ul>\n<li>a\n  more</li>\n<li>b</li>\n</ul>\n");
     EXPECT_EQ(blocks("| x | y |\n|---|---|\n| `a\\|b` | < |\n\nEnd."),
-              "<table>\n<thead><tr><th scope=\"col\">x</th><th scope=\"col\">y</th></tr></thead>\n<tbody>\n"
+              "<table class=\"notes\">\n<thead><tr><th scope=\"col\">x</th><th "
+              "scope=\"col\">y</th></tr></thead>\n<tbody>\n"
               "<tr><td><code>a|b</code></td><td>&lt;</td></tr>\n</tbody>\n</table>\n<p>End.</p>\n");
     EXPECT_EQ(blocks("```\nvhAddScalar_v1\n\n<\n```\n\nEnd."),
               "<pre tabindex=\"0\"><code>vhAddScalar_v1\n\n&lt;</code></pre>\n<p>End.</p>\n");
