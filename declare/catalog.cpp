@@ -45,7 +45,7 @@ static const Rule rules[] = {
      "vhGreaterThanVector_v1",
      {"comparison"}},
     {"state", "State and debugging",
-     "What the renderer knows of the sample: place, normals, ray, levels. Values on their way, told in the log.",
+     "What the renderer knows of the sample: place, normals, ray, levels. Values told in the log.",
      "vhStateNormal_v1",
      {"state", "debug"}},
     {"names", "Selection by object name",

@@ -105,10 +105,12 @@ static std::string wholePage(std::string_view title, std::string_view about, con
 <body>
 <a class="skip" href="#content">Skip to content</a>
 <header>
-<a class="home" href="index.html"><img src="assets/icon.svg" width="28" height="28" alt="">vhl <span>Shader reference</span></a>
+<a class="home" href="index.html">
+<img src="assets/icon.svg" width="28" height="28" alt="">vhl <span>Shader reference</span></a>
 <search id="search" hidden>
-<input id="query" type="search" placeholder="Search shaders, words, parameters" aria-label="Search the reference"
- role="combobox" aria-expanded="false" aria-controls="found" aria-autocomplete="list" autocomplete="off" spellcheck="false">
+<input id="query" type="search" placeholder="Search shaders, words, parameters"
+ aria-label="Search the reference" role="combobox" aria-expanded="false" aria-controls="found"
+ aria-autocomplete="list" autocomplete="off" spellcheck="false">
 <kbd aria-hidden="true">/</kbd>
 <div id="found" role="listbox" aria-label="Shaders found" hidden></div>
 <p id="count" class="unseen" role="status"></p>
@@ -173,8 +175,8 @@ std::string startPage(const Catalog& catalog, const Exhibits& exhibits)
     return wholePage("vhl shader reference", "All shaders of the library, by what they are for.",
                      navigation(catalog, nullptr, "index"),
                      html(R"(<h1>Shader reference</h1>
-<p class="lead">Small shaders that compose: {} of them, each with its parameters, the order in which it evaluates them,
-what it does at the edges, and a scene to copy.</p>
+<p class="lead">Small shaders that compose: {} of them, each with its parameters, the order in which it
+evaluates them, what it does at the edges, and a scene to copy.</p>
 <pre tabindex="0"><code>{}</code></pre>
 <ul class="cards">
 {}</ul>

@@ -9,7 +9,8 @@
     return document.execCommand('copy') ? Promise.resolve() : Promise.reject();
   };
   const copy = element =>
-    (navigator.clipboard?.writeText(element.textContent) ?? Promise.reject()).catch(() => copySelected(element));
+    (navigator.clipboard?.writeText(element.textContent) ?? Promise.reject())
+      .catch(() => copySelected(element));
 
   for (const button of document.querySelectorAll('.copyable button')) {
     const say = text => {
@@ -17,8 +18,8 @@
       setTimeout(() => { button.textContent = 'Copy'; }, 2000);
     };
     button.setAttribute('aria-live', 'polite');
-    button.addEventListener('click', () =>
-      copy(button.closest('.copyable').querySelector('code')).then(() => say('Copied'), () => say('Not copied')));
+    const code = button.closest('.copyable').querySelector('code');
+    button.addEventListener('click', () => copy(code).then(() => say('Copied'), () => say('Not copied')));
     button.hidden = false;
   }
 

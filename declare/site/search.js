@@ -5,7 +5,8 @@
 (() => {
   const normal = text => text.toLowerCase().replaceAll('colour', 'color');
   /** A name as words: "vhSubAColor_v2" is "sub a color v 2". */
-  const wordsOf = name => name.replace(/^vh/, '').match(/[A-Z][a-z]+|[A-Z]+(?![a-z])|[a-z]+|[0-9]+/g).join(' ');
+  const word = /[A-Z][a-z]+|[A-Z]+(?![a-z])|[a-z]+|[0-9]+/g;
+  const wordsOf = name => name.replace(/^vh/, '').match(word).join(' ');
 
   const entries = shaders.map(([name, group, result, text, fields]) => ({
     name, group, result, text,

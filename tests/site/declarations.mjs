@@ -21,7 +21,7 @@ export const readDeclarations = file =>
   readFileSync(file, 'utf8').split('declare shader\n').slice(1).map(block => {
     const text = block.slice(0, block.indexOf('end declare'));
     const [, result, name, body, version] = /^ *(.*) "(\w+)" \(\n([^]*)\n *\)\n *version (\d+)\n/.exec(text);
-    const members = [...result.matchAll(/([a-z ]+) "(\w+)"/g)].map(([, type, member]) => [member, type.trim()]);
+    const members = [...result.matchAll(/([a-z ]+) "(\w+)"/g)].map(([, type, field]) => [field, type.trim()]);
     const lines = body.split('\n').filter(line => !line.trim().startsWith('# '));
     return {
       name, version, members,
