@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Texture look-ups.
-#include "host/render/thread.h"
+#include "host/render/footprint.h"
 
 miBoolean mi_lookup_color_texture(miColor* const result, miState* const state, const miTag texture,
                                   miVector* const coord)
@@ -10,5 +10,9 @@ miBoolean mi_lookup_color_texture(miColor* const result, miState* const state, c
     if (const host::FunctionList* const procedure = textures.procedure(texture))
         return host::callNested(*procedure, result, *state, coord);
     const host::TextureImage* const image = textures.image(texture);
-    return image && image->lookup(coord->x, coord->y, *result);
+    if (!image)
+        return miFALSE;
+    const host::Footprint footprint =
+        image->filters() ? host::footprintOf(host::RenderThread::of(*state), *state) : host::Footprint{};
+    return image->lookup(coord->x, coord->y, *result, footprint);
 }

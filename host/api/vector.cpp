@@ -3,51 +3,9 @@
 #include "host/api/further.h"
 
 #include "host/render/vector.h"
+#include "host/scene/matrix.h"
 
 #include <algorithm>
-#include <cmath>
-#include <optional>
-#include <utility>
-
-namespace {
-
-using host::Matrix;
-
-/// By elimination, each time with the greatest element that is left in the column. None for a matrix that is
-/// singular or has elements that are no numbers.
-std::optional<Matrix> inverse(Matrix m)
-{
-    Matrix result = host::identityMatrix;
-    for (std::size_t column = 0; column < 4; ++column) {
-        std::size_t pivot = column;
-        for (std::size_t row = column + 1; row < 4; ++row)
-            if (std::abs(m[4 * row + column]) > std::abs(m[4 * pivot + column]))
-                pivot = row;
-        const double greatest = m[4 * pivot + column];
-        if (!std::isfinite(greatest) || greatest == 0.0)
-            return {};
-        for (std::size_t k = 0; k < 4; ++k) {
-            std::swap(m[4 * pivot + k], m[4 * column + k]);
-            std::swap(result[4 * pivot + k], result[4 * column + k]);
-            m[4 * column + k] /= greatest;
-            result[4 * column + k] /= greatest;
-        }
-        for (std::size_t row = 0; row < 4; ++row) {
-            const double factor = m[4 * row + column];
-            if (row == column || factor == 0.0)
-                continue;
-            for (std::size_t k = 0; k < 4; ++k) {
-                m[4 * row + k] -= factor * m[4 * column + k];
-                result[4 * row + k] -= factor * result[4 * column + k];
-            }
-        }
-    }
-    if (!std::ranges::all_of(result, [](double each) { return std::isfinite(each); }))
-        return {};
-    return result;
-}
-
-} // namespace
 
 void mi_vector_transform(miVector* const result, miVector const* const v, miMatrix const m)
 {
@@ -98,11 +56,11 @@ void mi_matrix_copy(miMatrix result, miMatrix const m)
 
 miBoolean mi_matrix_invert(miMatrix result, miMatrix const m)
 {
-    const std::optional<Matrix> found = inverse(m ? host::widened(m) : host::identityMatrix);
-    if (!found)
-        return miFALSE;
-    host::narrow(*found, result);
-    return miTRUE;
+    if (!m) {
+        mi_matrix_ident(result);
+        return miTRUE;
+    }
+    return miBoolean(host::invert(m, result));
 }
 
 void mi_matrix_prod(miMatrix result, miMatrix const a, miMatrix const b)

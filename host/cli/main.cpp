@@ -30,15 +30,7 @@ using Strings = std::vector<std::string>;
 Strings environmentList(const char* name, const char* separators)
 {
     const char* const value = std::getenv(name);
-    Strings words;
-    std::string text = value ? value : "";
-    for (std::size_t begin = 0; begin < text.size();) {
-        const std::size_t end = std::min(text.find_first_of(separators, begin), text.size());
-        if (end > begin)
-            words.push_back(text.substr(begin, end - begin));
-        begin = end + 1;
-    }
-    return words;
+    return host::splitAt(value ? value : "", separators);
 }
 
 /// The command line's folders, then the environment's, then the one beside the program: `<prefix>/<beside>`

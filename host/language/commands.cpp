@@ -33,17 +33,6 @@ std::vector<int> parts(const Name& version)
     }
 }
 
-/// "a:b;c" as three folders.
-void addFolders(std::string_view text, std::vector<std::string>& path)
-{
-    while (!text.empty()) {
-        const std::size_t end = std::min(text.find_first_of(":;"), text.size());
-        if (end > 0)
-            path.emplace_back(text.substr(0, end));
-        text.remove_prefix(std::min(end + 1, text.size()));
-    }
-}
-
 } // namespace
 
 void Commands::link(const Name& file)
@@ -81,9 +70,10 @@ void Commands::endRegistryEntry()
             continue;
         // The folders of the registry are the last ones of the path.
         path->resize(path->size() - std::min(*extra, path->size()));
-        const std::size_t before = path->size();
-        addFolders(session.registry.expand('{' + std::string(key) + '}', where), *path);
-        *extra = path->size() - before;
+        const std::vector<std::string> folders =
+            splitAt(session.registry.expand('{' + std::string(key) + '}', where), ":;");
+        path->insert(path->end(), folders.begin(), folders.end());
+        *extra = folders.size();
     }
 }
 

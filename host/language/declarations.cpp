@@ -3,13 +3,14 @@
 
 namespace host::language {
 
-void DeclarationBuilder::begin(Field result, const Name& name, std::vector<Field> parameters)
+Declaration declared(Field result, const Name& name, std::vector<Field> parameters)
 {
-    declaration_ = {};
-    declaration_.name = name.text;
-    declaration_.result = std::move(result);
-    declaration_.parameters = std::move(parameters);
-    declaration_.where = name.where;
+    Declaration declaration;
+    declaration.name = name.text;
+    declaration.result = std::move(result);
+    declaration.parameters = std::move(parameters);
+    declaration.where = name.where;
+    return declaration;
 }
 
 } // namespace host::language

@@ -88,15 +88,6 @@ void expand(Context& context, Function& definition, NetworkMembers former)
         removeWithNetwork(context.session.database, tag);
 }
 
-void PhenomenonBuilder::begin(Field result, const Name& name, std::vector<Field> parameters)
-{
-    declaration_ = {};
-    declaration_.name = name.text;
-    declaration_.result = std::move(result);
-    declaration_.parameters = std::move(parameters);
-    declaration_.where = name.where;
-}
-
 void PhenomenonBuilder::end(std::shared_ptr<PhenomenonBody> body)
 {
     body->names = context_.setting().names;
@@ -124,7 +115,7 @@ void PhenomenonBuilder::end(std::shared_ptr<PhenomenonBody> body)
     Declaration traits = makeNetwork(context_, *database.findAs<Function>(trial.tag), former);
     declaration_.version = traits.version;
     declaration_.apply = std::move(traits.apply);
-    Declaration finished = declaration_;
+    Declaration finished = declaration_; // not moved: the trial looks at it until it ends
     declarations.add(std::move(finished));
 }
 

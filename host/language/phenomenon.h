@@ -2,6 +2,7 @@
 // `declare phenomenon ... end declare`, and what definitions of phenomena are expanded to.
 #pragma once
 
+#include "host/language/declarations.h"
 #include "host/language/shaders.h"
 
 #include <memory>
@@ -13,7 +14,10 @@ class PhenomenonBuilder {
 public:
     PhenomenonBuilder(Context& context, Shaders& shaders) : context_(context), shaders_(shaders) {}
 
-    void begin(Field result, const Name& name, std::vector<Field> parameters);
+    void begin(Field result, const Name& name, std::vector<Field> parameters)
+    {
+        declaration_ = declared(std::move(result), name, std::move(parameters));
+    }
 
     /// Tries the body with default values, so that its mistakes are found where it stands.
     void end(std::shared_ptr<PhenomenonBody> body);

@@ -36,6 +36,14 @@ PrimaryRay CameraRays::at(double rasterX, double rasterY) const
     return ray;
 }
 
+double CameraRays::pixelWidth(double distance) const
+{
+    const double width = double(camera_.aperture) / camera_.x_resolution;
+    if (!camera_.orthographic)
+        return width * distance / camera_.focal;
+    return width * length(transformVector({1.0f, 0.0f, 0.0f}, transform_.local_to_global));
+}
+
 float CameraRays::depth(miVector point) const { return -transformPoint(point, transform_.global_to_local).z; }
 
 miVector CameraRays::toCamera(miVector direction) const

@@ -23,6 +23,9 @@ public:
     /// The ray through a raster position: (0, 0) is the lower left corner of the picture's lower left pixel.
     PrimaryRay at(double rasterX, double rasterY) const;
 
+    /// How wide a pixel is in internal space after so long a way, in the middle of the picture.
+    double pixelWidth(double distance) const;
+
     /// How far a point is in front of the camera, along its viewing axis.
     float depth(miVector point) const;
 

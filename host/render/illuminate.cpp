@@ -171,7 +171,7 @@ miBoolean traceShadow(miColor& result, miState& state)
     const Ray ray = shadowRay(state, thread.stage.lights.leaf(state.light_instance));
     if (isNull(ray.direction) || !isFinite(ray.direction) || !isFinite(ray.origin) || !(ray.far > ray.near))
         return miTRUE;
-    const FunctionList* const environment = thread.top().environment;
+    const Surroundings surroundings = thread.top().surroundings;
     const FrameScope frame(thread);
     if (!world.occluders(ray, frame->occluders)) {
         result = {0.0f, 0.0f, 0.0f, result.a};
@@ -181,7 +181,7 @@ miBoolean traceShadow(miColor& result, miState& state)
         frame->state = state;
         frame->state.parent = &state;
         frame->state.type = miRAY_SHADOW;
-        frame->environment = environment;
+        frame->surroundings = surroundings;
         setHit(*frame, -ray.direction, hit, false); // light comes from the ray's end
         frame->state.dist = state.dist;
         const StateScope scope(frame->state);

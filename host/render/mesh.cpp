@@ -66,12 +66,25 @@ void Mesh::textures(std::uint32_t triangle, float u, float v, std::vector<miVect
     const auto& [ia, ib, ic] = triangles_[triangle];
     const Vertex &a = object_.vertices[ia], &b = object_.vertices[ib], &c = object_.vertices[ic];
     const std::uint32_t spaces = std::min({a.textureCount, b.textureCount, c.textureCount});
-    const auto texture = [&](const Vertex& x, std::uint32_t space) {
-        return object_.vectors[object_.textureIndices[x.firstTexture + space]];
-    };
     result.clear();
     for (std::uint32_t space = 0; space < spaces; ++space)
         result.push_back(weighted(texture(a, space), texture(b, space), texture(c, space), u, v));
+}
+
+miVector Mesh::textureChange(std::uint32_t triangle, const miVector& along) const
+{
+    const auto& [ia, ib, ic] = triangles_[triangle];
+    const Vertex &a = object_.vertices[ia], &b = object_.vertices[ib], &c = object_.vertices[ic];
+    // The weights of the edges ab and ac that make the vector.
+    const miVector ab = position(ib) - position(ia), ac = position(ic) - position(ia);
+    const double bb = dot(ab, ab), bc = dot(ab, ac), cc = dot(ac, ac);
+    const double determinant = bb * cc - bc * bc;
+    if (std::min({a.textureCount, b.textureCount, c.textureCount}) == 0 || !(determinant > 0.0))
+        return {0.0f, 0.0f, 0.0f};
+    const double toB = dot(ab, along), toC = dot(ac, along);
+    const miVector origin = texture(a, 0);
+    return (texture(b, 0) - origin) * float((cc * toB - bc * toC) / determinant) +
+           (texture(c, 0) - origin) * float((bb * toC - bc * toB) / determinant);
 }
 
 } // namespace host

@@ -36,7 +36,16 @@ public:
     /// The texture vectors of that place, space 0 first; as many spaces as all three vertices have.
     void textures(std::uint32_t triangle, float u, float v, std::vector<miVector>& result) const;
 
+    /// How the first of them changes along a vector in the triangle's plane; null without texture vectors,
+    /// and on triangles without area.
+    miVector textureChange(std::uint32_t triangle, const miVector& along) const;
+
 private:
+    miVector texture(const Vertex& vertex, std::uint32_t space) const
+    {
+        return object_.vectors[object_.textureIndices[vertex.firstTexture + space]];
+    }
+
     const Object& object_;
     std::vector<Triangle> triangles_;
     std::vector<std::uint32_t> polygonOf_;

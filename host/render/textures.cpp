@@ -46,17 +46,20 @@ public:
             throw unreadable(system.geterror());
     }
 
+    bool filters() const override { return texture_.filter; }
+
 private:
-    miColor at(float x, float y) const override
+    miColor at(float x, float y, const Footprint& f) const override
     {
         OIIO::TextureOpt options;
         options.swrap = options.twrap = OIIO::TextureOpt::WrapClamp;
-        options.mipmode = OIIO::TextureOpt::MipModeNoMIP;
         options.interpmode = OIIO::TextureOpt::InterpBilinear;
+        options.mipmode = texture_.filter ? OIIO::TextureOpt::MipModeAniso : OIIO::TextureOpt::MipModeNoMIP;
+        options.swidth = options.twidth = texture_.filterScale;
         float value[4];
         // Files count rows from the top.
-        if (!system_.texture(handle_, system_.get_perthread_info(), options, x, 1.0f - y, 0.0f, 0.0f, 0.0f,
-                             0.0f, components_, value))
+        if (!system_.texture(handle_, system_.get_perthread_info(), options, x, 1.0f - y, f.sx, -f.tx, f.sy,
+                             -f.ty, components_, value))
             throw unreadable(system_.geterror());
         return toColor(value, components_);
     }
@@ -116,7 +119,7 @@ public:
     }
 
 private:
-    miColor at(float x, float y) const override
+    miColor at(float x, float y, const Footprint&) const override
     {
         const double u = double(x) * width_ - 0.5, v = double(y) * height_ - 0.5;
         const int i = int(std::floor(u)), j = int(std::floor(v));
@@ -134,13 +137,13 @@ private:
 
 } // namespace
 
-bool TextureImage::lookup(float x, float y, miColor& result) const
+bool TextureImage::lookup(float x, float y, miColor& result, const Footprint& footprint) const
 {
     result = {0.0f, 0.0f, 0.0f, 0.0f};
     // Written so that a NaN is outside.
     if (!(x >= 0.0f && x < 1.0f && y >= 0.0f && y < 1.0f))
         return false;
-    result = at(x, y);
+    result = at(x, y, footprint);
     return true;
 }
 
@@ -149,6 +152,7 @@ TextureFiles::TextureFiles() : system_(OIIO::TextureSystem::create(true))
 {
     system_->invalidate_all(true); // files may be others by now
     system_->attribute("max_memory_MB", 1024.0f);
+    system_->attribute("automip", 1);   // pyramids of files without one, made when they are asked for
     system_->attribute("autotile", 64); // of files without tiles, so that they too are kept in parts
     // The values as they are in the file: shaders decide what alpha does to colour.
     system_->attribute("unassociatedalpha", 1);

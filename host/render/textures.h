@@ -17,6 +17,12 @@
 
 namespace host {
 
+/// A part of a texture, in its coordinates: an ellipse of two axes. Null for a point.
+struct Footprint {
+    float sx = 0.0f, tx = 0.0f;
+    float sy = 0.0f, ty = 0.0f;
+};
+
 /// A texture that colours can be looked up in. Safe from any thread.
 class TextureImage {
 public:
@@ -29,10 +35,14 @@ public:
     /// corner; outside [0, 1) there is nothing, and the result is false. Images without alpha have alpha 1,
     /// grey images equal channels; 8-bit values are value / 255. Throws Error when the file turns out to be
     /// broken.
-    bool lookup(float x, float y, miColor& result) const;
+    bool lookup(float x, float y, miColor& result, const Footprint& footprint = {}) const;
+
+    /// Whether a footprint makes a difference: image files of `filter` textures are averaged over it, by
+    /// their pyramid.
+    virtual bool filters() const { return false; }
 
 private:
-    virtual miColor at(float x, float y) const = 0;
+    virtual miColor at(float x, float y, const Footprint& footprint) const = 0;
 };
 
 /// Reads parts of image files when they are asked for, and forgets the oldest beyond 1 GiB. A new one begins

@@ -40,7 +40,8 @@ Frame& FrameScope::enter(RenderThread& thread)
     if (thread.depth_ == thread.frames_.size())
         thread.frames_.push_back(std::make_unique<Frame>());
     Frame& frame = *thread.frames_[thread.depth_++];
-    frame.environment = frame.volume = nullptr;
+    frame.surroundings = {};
+    frame.hit = {};
     frame.opacity.reset();
     frame.loops.clear();
     frame.lightListsInUse = 0;

@@ -33,12 +33,18 @@ struct LightLoop {
 /// Rays that cast rays that cast rays: how deep they may nest. Less where long networks take the stack.
 inline constexpr std::size_t mostNestedRays = 4096;
 
+/// The whole lists behind the first shaders that a state names.
+struct Surroundings {
+    const FunctionList* environment = nullptr;
+    const FunctionList* volume = nullptr;
+};
+
 /// A ray's state and what belongs to it. Frames are reused; their memory stays.
 struct Frame {
     miState state;
-    const FunctionList* environment = nullptr; ///< the whole list behind state.environment
-    const FunctionList* volume = nullptr;      ///< and behind state.volume
-    std::optional<miColor> opacity;            ///< as its shaders have set it
+    Surroundings surroundings;
+    Hit hit;                        ///< of the surface that is shaded; no body elsewhere
+    std::optional<miColor> opacity; ///< as its shaders have set it
     std::vector<miVector> textures;
     std::vector<Hit> occluders;
     std::vector<LightLoop> loops;

@@ -17,8 +17,10 @@ constexpr miColor black = {0.0f, 0.0f, 0.0f, 0.0f};
 /// Surfaces that an eye ray may shine through before it ends.
 constexpr int mostLayers = 64;
 
-void clearHit(miState& state)
+void clearHit(Frame& frame)
 {
+    frame.hit = {};
+    miState& state = frame.state;
     state.dist = 0.0;
     state.pri = nullptr;
     state.instance = miNULLTAG;
@@ -40,8 +42,7 @@ void beginChild(Frame& frame, miState& parent, const Frame& outer, miRay_type ty
     frame.state.parent = &parent;
     frame.state.child = nullptr;
     frame.state.type = type;
-    frame.environment = outer.environment;
-    frame.volume = outer.volume;
+    frame.surroundings = outer.surroundings;
     parent.child = &frame.state;
 }
 
@@ -61,14 +62,14 @@ miBoolean callSurrounding(RenderThread& thread, Frame& frame, miTag tag, const F
 
 miBoolean callEnvironment(RenderThread& thread, Frame& frame, miColor& result)
 {
-    clearHit(frame.state);
-    return callSurrounding(thread, frame, frame.state.environment, frame.environment, result);
+    clearHit(frame);
+    return callSurrounding(thread, frame, frame.state.environment, frame.surroundings.environment, result);
 }
 
 /// The space that a frame's rays run through.
 void enter(Frame& frame, const FunctionList& volume)
 {
-    frame.volume = &volume;
+    frame.surroundings.volume = &volume;
     frame.state.volume = volume.empty() ? miNULLTAG : volume.front()->tag;
 }
 
@@ -76,7 +77,7 @@ void enter(Frame& frame, const FunctionList& volume)
 miBoolean shadeLight(Frame& frame, const LeafLight& light, const ShapeHit& hit, miColor& result)
 {
     miState& state = frame.state;
-    clearHit(state);
+    clearHit(frame);
     state.instance = state.light_instance = light.leaf->tag;
     state.label = light.light->record.label;
     state.dist = hit.distance;
@@ -119,7 +120,7 @@ miBoolean shadeHit(RenderThread& thread, Frame& frame, const Ray& ray, miColor& 
     const Surface& surface = *World::surface(hit);
     if (!surface.environment.empty()) {
         frame.state.environment = surface.environment.front()->tag;
-        frame.environment = &surface.environment;
+        frame.surroundings.environment = &surface.environment;
     }
     const StateScope scope(frame.state);
     return callAll(surface.shader, &result, frame.state);
@@ -129,7 +130,7 @@ miBoolean shadeHit(RenderThread& thread, Frame& frame, const Ray& ray, miColor& 
 miBoolean shade(RenderThread& thread, Frame& frame, const Ray& ray, miColor& result)
 {
     const miTag volume = frame.state.volume;
-    const FunctionList* const list = frame.volume;
+    const FunctionList* const list = frame.surroundings.volume;
     const miBoolean found = shadeHit(thread, frame, ray, result);
     const miBoolean seen = callSurrounding(thread, frame, volume, list, result);
     return found ? found : seen;
@@ -161,7 +162,7 @@ void fade(miColor& share, const miColor& opacity)
 miBoolean shadeEye(RenderThread& thread, Frame& frame, Ray ray, miColor& result)
 {
     const miState start = frame.state;
-    const FunctionList *const environment = frame.environment, *const volume = frame.volume;
+    const Surroundings surroundings = frame.surroundings;
     const miBoolean found = shade(thread, frame, ray, result);
     if (!thread.stage.compositesOpacity || !seesThrough(frame.opacity))
         return found;
@@ -174,8 +175,7 @@ miBoolean shadeEye(RenderThread& thread, Frame& frame, Ray ray, miColor& result)
         ray.startInstance = behind->state.instance;
         ray.startPolygon = behind->state.pri;
         behind->state = start;
-        behind->environment = environment;
-        behind->volume = volume;
+        behind->surroundings = surroundings;
         behind->opacity.reset();
         miColor color;
         shade(thread, *behind, ray, color);
@@ -268,6 +268,7 @@ double startDistance(const miVector& point)
 
 void setHit(Frame& frame, const miVector& direction, const Hit& hit, bool flip)
 {
+    frame.hit = hit;
     miState& state = frame.state;
     const Body& body = *hit.body;
     const Mesh& mesh = body.model->mesh;
@@ -318,7 +319,7 @@ SampleResult sample(RenderThread& thread, float rasterX, float rasterY, float ti
     state.importance = 1.0f;
     if (options.shutter > 0.0f)
         state.time = options.shutter_delay + time * (options.shutter - options.shutter_delay);
-    frame->environment = &stage.environment;
+    frame->surroundings.environment = &stage.environment;
     state.environment = stage.environment.empty() ? miNULLTAG : stage.environment.front()->tag;
     enter(*frame, stage.volume);
     const PrimaryRay primary = stage.rays.at(rasterX, rasterY);
@@ -347,7 +348,7 @@ miBoolean traceEye(miColor& result, miState& state, const miVector& origin, cons
     state.org = origin;
     state.dir = direction;
     beginChild(*frame, state, outer, miRAY_EYE);
-    clearHit(frame->state);
+    clearHit(*frame);
     const std::size_t lens = thread.lens;
     miBoolean found;
     if (lens < thread.stage.lenses.size()) {
@@ -401,7 +402,7 @@ miBoolean traceSecondary(miColor& result, miState& state, const miVector& direct
     ray.startInstance = state.instance;
     ray.startPolygon = state.pri;
     ray.time = shutterFraction(state);
-    clearHit(child);
+    clearHit(*frame);
     // A material's volume fills the space behind its surface; out of it, rays are in the camera's again.
     const Surface* const surface =
         type == miRAY_REFLECT ? nullptr : thread.stage.surfaces.find(state.material);
@@ -417,7 +418,7 @@ miBoolean traceProbe(miState& state, const miVector& direction, const miVector& 
     const FrameScope frame(thread);
     beginChild(*frame, state, outer, miRAY_PROBE);
     miState& child = frame->state;
-    clearHit(child);
+    clearHit(*frame);
     child.org = origin;
     child.dir = isFinite(direction) ? normalised(direction) : direction;
     if (isNull(direction) || !isFinite(direction) || !isFinite(origin))

@@ -40,6 +40,18 @@ std::string findFile(const std::string& name, const std::string& besideFile,
     return {};
 }
 
+std::vector<std::string> splitAt(std::string_view text, std::string_view separators)
+{
+    std::vector<std::string> parts;
+    while (!text.empty()) {
+        const std::size_t end = std::min(text.find_first_of(separators), text.size());
+        if (end > 0)
+            parts.emplace_back(text.substr(0, end));
+        text.remove_prefix(std::min(end + 1, text.size()));
+    }
+    return parts;
+}
+
 std::string lookedIn(const std::string& name, const std::string& besideFile,
                      const std::vector<std::string>& path)
 {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace host {
@@ -18,6 +19,9 @@ struct SearchPaths {
 /// The file to open for a name, or an empty string when it is nowhere. Folders are not files.
 std::string findFile(const std::string& name, const std::string& besideFile,
                      const std::vector<std::string>& path);
+
+/// The parts of a list between any of the separators; empty ones count for nothing.
+std::vector<std::string> splitAt(std::string_view text, std::string_view separators);
 
 /// Where findFile looks for a name: `; looked in ".", "a"`, for messages about one that is nowhere.
 std::string lookedIn(const std::string& name, const std::string& besideFile,

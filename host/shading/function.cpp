@@ -151,30 +151,9 @@ std::string Function::title() const
 
 namespace {
 
-void addFunctions(const Database& database, const ShaderList& list, const Element& user, int depth,
-                  std::vector<Function*>& functions)
-{
-    const auto fail = [&](const std::string& text) {
-        throw Error(user.where, std::string(kindName(user.kind)) + ' ' + inQuotes(user.name) + text);
-    };
-    if (depth > maximumNetworkDepth)
-        fail(" lists a phenomenon that leads into itself");
-    for (const miTag tag : list) {
-        auto* const function = database.findAs<Function>(tag);
-        if (!function)
-            fail(" lists a shader that was deleted");
-        if (function->expansion)
-            addFunctions(database, function->expansion->roots, user, depth + 1, functions);
-        else
-            functions.push_back(function);
-    }
-}
-
-} // namespace
-
 /// Shaders write as much as they declare: a result that is not what the caller waits for would go beyond its
 /// memory, or leave most of it empty.
-static bool fits(const Field& result, Gives wanted)
+bool fits(const Field& result, Gives wanted)
 {
     switch (wanted) {
     case Gives::color:
@@ -187,18 +166,43 @@ static bool fits(const Field& result, Gives wanted)
     return false;
 }
 
+const char* nameOf(Gives wanted)
+{
+    return wanted == Gives::geometry ? "geometry"
+           : wanted == Gives::color  ? "a color"
+                                     : "a color, vector or number";
+}
+
+void addFunctions(const Database& database, const ShaderList& list, const Element& user, Gives wanted,
+                  int depth, std::vector<Function*>& functions)
+{
+    const auto fail = [&](const std::string& text) {
+        throw Error(user.where, std::string(kindName(user.kind)) + ' ' + inQuotes(user.name) + text);
+    };
+    if (depth > maximumNetworkDepth)
+        fail(" lists a phenomenon that leads into itself");
+    for (const miTag tag : list) {
+        auto* const function = database.findAs<Function>(tag);
+        if (!function)
+            fail(" lists a shader that was deleted");
+        if (function->expansion) {
+            addFunctions(database, function->expansion->roots, user, wanted, depth + 1, functions);
+            continue;
+        }
+        if (const Field& result = function->declaration().result; !fits(result, wanted))
+            fail(" lists " + function->title() + ", which gives " + typeText(result) + ", not " +
+                 nameOf(wanted));
+        functions.push_back(function);
+    }
+}
+
+} // namespace
+
 std::vector<Function*> functionsOf(const Database& database, const ShaderList& list, const Element& user,
                                    Gives wanted)
 {
     std::vector<Function*> functions;
-    addFunctions(database, list, user, 0, functions);
-    for (const Function* const function : functions)
-        if (const Field& result = function->declaration().result; !fits(result, wanted))
-            throw Error(user.where, std::string(kindName(user.kind)) + ' ' + inQuotes(user.name) + " lists " +
-                                        function->title() + ", which gives " + typeText(result) + ", not " +
-                                        (wanted == Gives::geometry ? "geometry"
-                                         : wanted == Gives::color  ? "a color"
-                                                                   : "a color, vector or number"));
+    addFunctions(database, list, user, wanted, 0, functions);
     return functions;
 }
 

@@ -17,10 +17,11 @@ public:
 
     virtual ~Observer() = default;
 
-    /// A call begins. `result` is where it will write, null for inits.
+    /// A call begins.
     virtual void enter(const Function& function, Entry entry, const miState& state) = 0;
 
-    /// It has ended, or what it threw is on its way out: then it returned false. `result` as it was left.
+    /// It has ended, or what it threw is on its way out: then it returned false. `result` is as it was left,
+    /// null for inits.
     virtual void leave(const Function& function, Entry entry, const void* result, miBoolean returned) = 0;
 
     /// The running call asks for a connected parameter.

@@ -6,14 +6,6 @@
 
 #define EXPORT __attribute__((visibility("default")))
 
-static void *value(miState *state, void *parameter)
-{
-    const miFunction *function = state->shader;
-    if (!function->ghost_flag || *(miTag *)((char *)parameter + function->ghost_offs) == 0)
-        return parameter;
-    return mi_phen_eval(state, parameter);
-}
-
 /* Reads `first` or `second`, as `which` says. */
 struct choose {
     miBoolean which;
@@ -28,8 +20,8 @@ int choose_version(void) { return 1; }
 
 miBoolean choose(miColor *result, miState *state, struct choose *parameters)
 {
-    const miBoolean which = *(miBoolean *)value(state, &parameters->which);
-    *result = *(miColor *)value(state, which ? &parameters->first : &parameters->second);
+    const miBoolean which = *(miBoolean *)mi_eval(state, &parameters->which);
+    *result = *(miColor *)mi_eval(state, which ? &parameters->first : &parameters->second);
     return miTRUE;
 }
 
@@ -46,7 +38,7 @@ int split_version(void) { return 1; }
 
 miBoolean split(struct split_result *result, miState *state, miColor *input)
 {
-    result->rgb = *(miColor *)value(state, input);
+    result->rgb = *(miColor *)mi_eval(state, input);
     result->mask = 0.5f;
     return miFALSE;
 }
@@ -68,16 +60,16 @@ int total_version(void) { return 1; }
 void total_init(miState *state, struct total *parameters, miBoolean *instances)
 {
     if (parameters)
-        value(state, &parameters->start);
+        mi_eval(state, &parameters->start);
     else
         *instances = miTRUE;
 }
 
 miBoolean total(miColor *result, miState *state, struct total *parameters)
 {
-    float sum = *(miScalar *)value(state, &parameters->start);
+    float sum = *(miScalar *)mi_eval(state, &parameters->start);
     for (int k = 0; k < parameters->n_values; ++k)
-        sum += *(miScalar *)value(state, parameters->values + parameters->i_values + k);
+        sum += *(miScalar *)mi_eval(state, parameters->values + parameters->i_values + k);
     result->r = result->g = result->b = sum;
     result->a = 1.0f;
     return miTRUE;
@@ -103,7 +95,7 @@ miBoolean spend(miColor *result, miState *state, struct spend *parameters)
         timespec_get(&now, TIME_UTC);
     while ((now.tv_sec - begin.tv_sec) * 1000000 + (now.tv_nsec - begin.tv_nsec) / 1000 < parameters->microseconds);
     for (int k = 0; k < parameters->times; ++k) {
-        *result = *(miColor *)value(state, &parameters->input);
+        *result = *(miColor *)mi_eval(state, &parameters->input);
         mi_flush_cache(state);
     }
     return miTRUE;

@@ -551,6 +551,7 @@ TEST(AreaLight, HalfHiddenItGivesHalf)
 TEST(AreaLight, ThePictureDoesNotDependOnThreads)
 {
     Shaped scene(3, 3);
+    scene.keepsState = false;
     const miTag panel = scene.lightInstance;
     auto& ball = scene.add({0, 3, 1});
     ball.record.area = miLIGHT_SPHERE;

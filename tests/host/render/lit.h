@@ -26,6 +26,7 @@ struct Lit : Scene {
         result = {1, 2, 3, 1};
         return miTRUE;
     };
+    bool keepsState = true; ///< off where several threads render
     miTag lightInstance = 0;
     host::Instance* floor = nullptr;
 
@@ -52,7 +53,8 @@ struct Lit : Scene {
     host::Light& add(const miVector& origin)
     {
         auto& made = pointLight(origin, [this](miColor& result, miState& state) {
-            light = state;
+            if (keepsState)
+                light = state;
             return shade(result, state);
         });
         lightInstance = place(made).tag;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "host/render/textures.h"
 
+#include "host/render/footprint.h"
 #include "host/report/message.h"
 #include "tests/harness/folder.h"
 #include "tests/harness/stage.h"
@@ -374,3 +375,160 @@ TEST(Texture, OneThatNoParameterNamesIsLoadedWhenItIsUsed)
 }
 
 } // namespace
+
+/// A square with texture coordinates from 0 to 1, what its material does, and the camera at the origin.
+struct Papered : Scene {
+    host::Instance* wall = nullptr;
+
+    Papered(float half, Shade shade)
+    {
+        host::Object& object = square(half);
+        for (const miVector& t : {miVector{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}}) {
+            object.vertices[object.textureIndices.size()].firstTexture =
+                std::uint32_t(object.textureIndices.size());
+            object.vertices[object.textureIndices.size()].textureCount = 1;
+            object.textureIndices.push_back(std::uint32_t(object.vectors.size()));
+            object.vectors.push_back(t);
+        }
+        wall = &place(object, {0, 0, -10});
+        wall->materials = {material(std::move(shade)).tag};
+    }
+
+    /// What a pixel measures at distance 1.
+    float pixel() const
+    {
+        return camera.record.aperture / camera.record.focal / float(camera.record.x_resolution);
+    }
+};
+
+TEST(Footprint, IsThePixelsAreaOnTheSurface)
+{
+    // A wall 8 wide, 10 away, turned about x by 60 degrees: twice as long upwards.
+    host::Footprint seen;
+    Papered scene(4, [&](miColor&, miState& state) {
+        seen = host::footprintOf(host::RenderThread::of(state), state);
+        return miTRUE;
+    });
+    scene.look();
+    const float width = scene.pixel() * 10 / 8;
+    EXPECT_NEAR(std::hypot(seen.sx, seen.tx), width, 1e-5f * width);
+    EXPECT_NEAR(std::hypot(seen.sy, seen.ty), width, 1e-5f * width);
+    EXPECT_NEAR(seen.sx * seen.sy + seen.tx * seen.ty, 0, 1e-5f * width * width);
+
+    const double c = 0.5, s = std::sqrt(0.75);
+    test::setMatrix(*scene.wall, {1, 0, 0, 0, 0, c, s, 0, 0, -s, c, 0, 0, 0, -10, 1});
+    scene.look();
+    EXPECT_NEAR(std::abs(seen.sx), width, 1e-5f * width);
+    EXPECT_NEAR(seen.tx, 0, 1e-5f * width);
+    EXPECT_NEAR(seen.sy, 0, 1e-5f * width);
+    EXPECT_NEAR(std::abs(seen.ty), 2 * width, 2e-5f * width);
+    // Twice as large by its instance: half of it is seen.
+    test::setMatrix(*scene.wall, {2, 0, 0, 0, 0, 2, 0, 0, 0, 0, 2, 0, 0, 0, -10, 1});
+    scene.look();
+    EXPECT_NEAR(std::hypot(seen.sx, seen.tx), width / 2, 1e-5f * width);
+    scene.camera.record.orthographic = miTRUE;
+    scene.look();
+    EXPECT_NEAR(std::hypot(seen.sx, seen.tx),
+                scene.camera.record.aperture / scene.camera.record.x_resolution / 16, 1e-5f);
+}
+
+TEST(Footprint, GrowsWithTheWholePath)
+{
+    host::Footprint seen;
+    Papered scene(4, [&](miColor& result, miState& state) {
+        if (state.type == miRAY_EYE) // through the wall to the one behind it
+            return mi_trace_transparent(&result, &state);
+        seen = host::footprintOf(host::RenderThread::of(state), state);
+        return miTRUE;
+    });
+    host::Instance& second = scene.place(*scene.session.database.find(scene.wall->record.item), {0, 0, -25});
+    second.materials = scene.wall->materials;
+    scene.look();
+    const float width = scene.pixel() * 25 / 8;
+    EXPECT_NEAR(std::hypot(seen.sx, seen.tx), width, 1e-5f * width);
+}
+
+TEST(Footprint, OfRaysToLightsIsAPoint)
+{
+    bool asked = false;
+    miTag lamp = 0;
+    Papered scene(4, [&](miColor& result, miState& state) {
+        int samples = 0;
+        return mi_sample_light(&result, nullptr, nullptr, &state, lamp, &samples);
+    });
+    lamp = scene
+               .place(scene.pointLight({0, 0, 0},
+                                       [&](miColor&, miState& state) {
+                                           const host::Footprint f =
+                                               host::footprintOf(host::RenderThread::of(state), state);
+                                           EXPECT_EQ(f.sx, 0.0f);
+                                           EXPECT_EQ(f.ty, 0.0f);
+                                           asked = true;
+                                           return miTRUE;
+                                       }))
+               .tag;
+    scene.look();
+    EXPECT_TRUE(asked);
+}
+
+TEST(Footprint, FilterTexturesAreTheMeanOfIt)
+{
+    // Stripes one texel wide, and a ramp, 256 texels across.
+    const Folder folder;
+    std::vector<unsigned char> stripes, ramp;
+    for (int y = 0; y < 256; ++y)
+        for (int x = 0; x < 256; ++x) {
+            stripes.push_back(x % 2 ? 255 : 0);
+            ramp.push_back(static_cast<unsigned char>(x));
+        }
+    write(folder.path("stripes.png"), 256, 256, 1, stripes);
+    write(folder.path("ramp.png"), 256, 256, 1, ramp);
+    host::Texture texture;
+    host::TextureFiles files;
+    const auto look = [&](const char* name, bool filter, float scale, float x, float texels) {
+        texture.file = folder.path(name);
+        texture.filter = filter;
+        texture.filterScale = scale;
+        const float size = texels / 256;
+        miColor color{};
+        const auto image = files.open(texture, {});
+        EXPECT_EQ(image->filters(), filter);
+        EXPECT_TRUE(image->lookup(x, 0.5f, color, {size, 0, 0, size}));
+        return color.r;
+    };
+    const float white = (101 + 0.5f) / 256, black = (100 + 0.5f) / 256;
+    for (const float texels : {0.0f, 8.0f, 200.0f}) {
+        EXPECT_EQ(look("stripes.png", false, 1, white, texels), 1.0f);
+        EXPECT_EQ(look("stripes.png", false, 1, black, texels), 0.0f);
+    }
+    EXPECT_NEAR(look("stripes.png", true, 1, white, 0.01f), 1.0f, 1e-3);
+    EXPECT_NEAR(look("stripes.png", true, 1, black, 0.01f), 0.0f, 1e-3);
+    for (const float texels : {4.0f, 8.0f, 50.0f}) {
+        EXPECT_NEAR(look("stripes.png", true, 1, white, texels), 0.5f, 0.01f) << texels;
+        EXPECT_NEAR(look("stripes.png", true, texels, white, 1), 0.5f, 0.01f) << texels; // by the scale
+        EXPECT_NEAR(look("ramp.png", true, 1, 0.5f, texels), 127.5f / 255, 0.005f) << texels;
+    }
+}
+
+TEST(Footprint, AShaderLooksUpWhatThePixelSees)
+{
+    const Folder folder;
+    std::vector<unsigned char> stripes;
+    for (int i = 0; i < 256 * 256; ++i)
+        stripes.push_back(i % 2 ? 255 : 0);
+    write(folder.path("stripes.png"), 256, 256, 1, stripes);
+    miTag picture = 0;
+    Papered scene(4, [&](miColor& result, miState& state) {
+        miVector coord = {(101 + 0.5f) / 256, 0.5f, 0};
+        return mi_lookup_color_texture(&result, &state, picture, &coord);
+    });
+    auto& texture = scene.session.database.make<host::Texture>("stripes");
+    texture.file = folder.path("stripes.png");
+    picture = texture.tag;
+    scene.camera.record.aperture = scene.camera.record.focal * 0.4f; // 4 of the wall's 8: 128 texels
+    EXPECT_EQ(scene.look().r, 1.0f);
+    texture.filter = true;
+    EXPECT_NEAR(scene.look().r, 0.5f, 0.01f);
+    scene.camera.record.aperture /= 1e5f;
+    EXPECT_NEAR(scene.look().r, 1.0f, 1e-3f);
+}

@@ -155,6 +155,43 @@ TEST(Volume, LightAndShadowsPassItAsTheyAre)
     EXPECT_EQ(calls, 1);
 }
 
+TEST(Volume, RaysThatAShadowShaderCastsCrossItAll)
+{
+    Filled scene;
+    const miTag lamp = scene
+                           .place(scene.pointLight({0, 4, -1},
+                                                   [](miColor& result, miState& state) {
+                                                       result = {1, 1, 1, 1};
+                                                       return mi_trace_shadow(&result, &state);
+                                                   }))
+                           .tag;
+    scene.wall(-3, scene.material([lamp](miColor& result, miState& state) {
+        result = {1, 1, 1, 1};
+        int samples = 0;
+        return state.type == miRAY_REFLECT
+                   ? miBoolean(miTRUE)
+                   : mi_sample_light(&result, nullptr, nullptr, &state, lamp, &samples);
+    }));
+    // On the way from the lamp to what the camera looks at, and beside the camera's own ray.
+    host::Material& pane = scene.plain({0, 0, 0, 1});
+    pane.shadow = {scene
+                       .shader([](miColor& result, miState& state) {
+                           miVector back = {0, 0, -1};
+                           return mi_trace_reflection(&result, &state, &back);
+                       })
+                       .tag};
+    scene.place(scene.square(1), {0, 2, -2}).materials = {pane.tag};
+    int first = 0;
+    scene.fill([&](miColor&, miState& state) {
+        first += state.type == miRAY_REFLECT;
+        return miTRUE;
+    });
+    scene.fill(absorbing(0.5f));
+    // One unit behind the pane, then three to the camera.
+    EXPECT_NEAR(scene.look().r, std::exp(-0.5) * std::exp(-1.5), 1e-6);
+    EXPECT_EQ(first, 1);
+}
+
 TEST(Volume, SeesTheStateOfTheSurface)
 {
     Filled scene;
