@@ -19,13 +19,6 @@ $ifndef "vhl_mi"
 set "vhl_mi"
 )";
 
-/// Where applications offer a shader that names no place itself. A colour may stand wherever the renderer
-/// asks for one; the others only feed shaders.
-static std::string_view applyByResult(VHL::Kind result)
-{
-    return result == VHL::Kind::color ? "texture, material, light, environment" : "texture";
-}
-
 /// An application knows three numbers of a default; a transform has no use for any.
 static std::string hints(const VHL::Field& field)
 {
@@ -60,6 +53,16 @@ static std::string result(const VHL::Description& shader)
     return shader.members.empty() ? text : text + " }";
 }
 
+std::string declaration(const VHL::Description& shader)
+{
+    std::string text = "# " + std::string(shader.about.text) + "\ndeclare shader\n    " + result(shader) +
+                       " \"" + std::string(shader.name) + "\" (\n";
+    for (const VHL::Field& field : shader.fields)
+        text += parameter(field, &field == &shader.fields.back());
+    return text + "    )\n    version " + std::to_string(shader.version) + "\n    apply " +
+           std::string(applyText(shader)) + "\nend declare\n";
+}
+
 std::string declarations(std::span<const VHL::Description> shaders)
 {
     std::string text = header;
@@ -67,14 +70,7 @@ std::string declarations(std::span<const VHL::Description> shaders)
     for (const VHL::Description& shader : shaders) {
         if (shader.unit != unit)
             text += "\n# ---- " + std::string(unit = shader.unit) + " ----\n";
-        text += "\n# " + std::string(shader.about.text) + "\ndeclare shader\n    " + result(shader) + " \"" +
-                std::string(shader.name) + "\" (\n";
-        for (const VHL::Field& field : shader.fields)
-            text += parameter(field, &field == &shader.fields.back());
-        const std::string_view apply =
-            shader.about.apply.empty() ? applyByResult(shader.result) : shader.about.apply;
-        text += "    )\n    version " + std::to_string(shader.version) + "\n    apply " + std::string(apply) +
-                "\nend declare\n";
+        text += '\n' + declaration(shader);
     }
     return text + "\n$endif\n";
 }

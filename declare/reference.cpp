@@ -8,13 +8,6 @@ namespace declare {
 static const char* const written = "<!-- Written from the sources by `cmake --build <build> --target "
                                    "declarations`: change those, not this page. -->\n";
 
-static std::string range(const VHL::Field& field)
-{
-    if (!field.least && !field.most)
-        return "any";
-    return (field.least ? number(*field.least) : "") + " to " + (field.most ? number(*field.most) : "");
-}
-
 /// A vertical bar would end the cell.
 static std::string cell(std::string_view text)
 {
@@ -25,6 +18,12 @@ static std::string cell(std::string_view text)
         escaped += c;
     }
     return escaped;
+}
+
+/// What is said of one side of a shader, if anything is.
+static std::string paragraph(std::string_view title, std::string_view text)
+{
+    return text.empty() ? "" : "\n**" + std::string(title) + ".** " + std::string(text) + '\n';
 }
 
 std::string referencePage(std::span<const VHL::Description> shaders)
@@ -42,12 +41,12 @@ std::string referencePage(std::span<const VHL::Description> shaders)
         text += "\n| parameter | type | default | range | |\n|---|---|---|---|---|\n";
         for (const VHL::Field& field : shader.fields) {
             const std::string standard = defaultText(field);
-            text += std::string("| `") + field.name.text.data() + "` | " +
-                    (field.isArray ? "array of " : "") + std::string(typeName(field.kind)) + " | " +
-                    (standard.empty() ? "none" : standard) + " | " +
-                    (field.kind == VHL::Kind::boolean ? "on, off" : range(field)) + " | " +
+            text += std::string("| `") + field.name.text.data() + "` | " + typeText(field) + " | " +
+                    (standard.empty() ? "none" : standard) + " | " + rangeText(field) + " | " +
                     cell(field.about) + " |\n";
         }
+        text += paragraph("Evaluation", shader.about.order) + paragraph("Edge cases", shader.about.edges) +
+                paragraph("Messages", shader.about.messages);
         if (!shader.about.notes.empty())
             text += '\n' + std::string(shader.about.notes) + '\n';
     }
@@ -56,7 +55,12 @@ std::string referencePage(std::span<const VHL::Description> shaders)
 
 std::string referenceIndex(std::span<const VHL::Description> shaders)
 {
-    std::string text = std::string("# Shaders\n\n") + written + "\n| shader | result | |\n|---|---|---|\n";
+    std::string text =
+        std::string("# Shaders\n\n") + written +
+        "\nThe same as pages for a browser, with pictures, scenes to copy and a search: "
+        "`cmake --build <build> --target reference`\nwrites them to `<build>/reference/index.html`; an "
+        "installation has them in `share/doc/vhl/reference`.\n"
+        "\n| shader | result | |\n|---|---|---|\n";
     for (const VHL::Description& shader : shaders)
         text += "| [`" + std::string(shader.name) + "`](" + std::string(shader.unit) + ".md) | " +
                 std::string(typeName(shader.result)) + " | " + cell(shader.about.text) + " |\n";

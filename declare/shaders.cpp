@@ -111,6 +111,28 @@ std::string number(float value)
     return {text, end.ptr};
 }
 
+std::string typeText(const VHL::Field& field)
+{
+    return (field.isArray ? "array of " : "") + std::string(typeName(field.kind));
+}
+
+std::string rangeText(const VHL::Field& field)
+{
+    if (field.kind == VHL::Kind::boolean)
+        return "on, off";
+    if (!field.least && !field.most)
+        return "any";
+    return (field.least ? number(*field.least) : "") + " to " + (field.most ? number(*field.most) : "");
+}
+
+/// A colour may stand wherever the renderer asks for one; the others only feed shaders.
+std::string_view applyText(const VHL::Description& shader)
+{
+    if (!shader.about.apply.empty())
+        return shader.about.apply;
+    return shader.result == VHL::Kind::color ? "texture, material, light, environment" : "texture";
+}
+
 std::string defaultText(const VHL::Field& field, int most)
 {
     if (field.isArray)

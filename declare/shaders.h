@@ -13,8 +13,8 @@ namespace declare {
 /// All of them, by unit and by their place in it.
 std::vector<VHL::Description> shaders();
 
-/// What is wrong with the descriptions, one line each: a text that is missing, of more than one line where one
-/// is meant or not plain ASCII, a name given twice.
+/// What is wrong with the descriptions, one line each: a text that is missing, of more than one line where
+/// one is meant or not plain ASCII, a name given twice.
 std::vector<std::string> faults(std::span<const VHL::Description> shaders);
 
 /// How scene text calls a type: "scalar", "color texture".
@@ -22,6 +22,13 @@ std::string_view typeName(VHL::Kind kind);
 
 /// A parameter's default as scene text, with at most so many numbers; empty for a type without defaults.
 std::string defaultText(const VHL::Field& field, int most = 16);
+
+/// A parameter's type and range in words: "array of string", "0 to 1", "on, off".
+std::string typeText(const VHL::Field& field);
+std::string rangeText(const VHL::Field& field);
+
+/// Where applications offer a shader.
+std::string_view applyText(const VHL::Description& shader);
 
 /// A number as scene text: the shortest that is read back as the same float.
 std::string number(float value);

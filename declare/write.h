@@ -12,6 +12,9 @@ namespace declare {
 /// The declaration file: one `declare shader` for each, with hints for applications, in plain ASCII.
 std::string declarations(std::span<const VHL::Description> shaders);
 
+/// One shader's part of it.
+std::string declaration(const VHL::Description& shader);
+
 /// A reference page for the shaders of one unit, and the page that lists all units.
 std::string referencePage(std::span<const VHL::Description> shaders);
 std::string referenceIndex(std::span<const VHL::Description> shaders);

@@ -151,9 +151,21 @@ TEST(ReferenceText, NotesFollowTheParametersAndStandNowhereElse)
     VHL::Description shader = sample();
     shader.about.notes = "A note.\n\n- a list";
     const std::string text = declare::referencePage(std::array{shader, sample("next_v2")});
-    EXPECT_NE(text.find("| Names. |\n\nA note.\n\n- a list\n\n## next_v2\n"), std::string::npos) << text;
+    EXPECT_NE(text.find("\n\n**Edge cases.** Any input is fine.\n\nA note.\n\n- a list\n\n## next_v2\n"),
+              std::string::npos)
+        << text;
     EXPECT_EQ(declare::declarations(std::array{shader}), declare::declarations(std::array{sample()}));
     EXPECT_EQ(declare::referenceIndex(std::array{shader}), declare::referenceIndex(std::array{sample()}));
+}
+
+TEST(ReferenceText, SaysWhatIsSaidOfAShader)
+{
+    VHL::Description shader = sample();
+    shader.about.messages = "A warning.";
+    EXPECT_NE(declare::referencePage(std::array{shader})
+                  .find("| Names. |\n\n**Evaluation.** tint, once.\n\n**Edge cases.** Any input is fine.\n\n"
+                        "**Messages.** A warning.\n"),
+              std::string::npos);
 }
 
 TEST(ReferenceText, IndexLinksToTheUnitsPage)

@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// The reference as HTML pages.
+#pragma once
+
+#include "declare/catalog.h"
+
+#include <filesystem>
+#include <map>
+#include <set>
+#include <string>
+
+namespace declare {
+
+/// What is shown besides the descriptions, by shader.
+struct Exhibits {
+    std::set<std::string, std::less<>> pictures;
+    std::map<std::string, std::string, std::less<>> scenes; ///< their text
+};
+
+std::string startPage(const Catalog& catalog, const Exhibits& exhibits);
+std::string groupPage(const Catalog& catalog, const Exhibits& exhibits, const Group& group);
+std::string shaderPage(const Catalog& catalog, const Exhibits& exhibits, const Shader& shader);
+
+/// What the pages search in, as a script, for pages that are opened from a disk may load nothing else.
+std::string searchIndex(const Catalog& catalog);
+
+/// What a scene's first comment says is seen; empty without one.
+std::string captionOf(std::string_view scene);
+
+/// Writes all of it to a folder, with the pictures and scenes that the sources have.
+void writePages(const Catalog& catalog, const std::filesystem::path& folder,
+                const std::filesystem::path& source);
+
+} // namespace declare

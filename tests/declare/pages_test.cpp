@@ -1,0 +1,205 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// The reference pages, on shaders made up for the test; what a browser makes of them is tested in
+// tests/site/.
+#include "declare/catalog.h"
+#include "declare/html.h"
+#include "declare/pages.h"
+#include "declare/prose.h"
+#include "declare/shaders.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <set>
+
+using declare::Catalog;
+using declare::Html;
+using declare::html;
+
+struct Tinted {
+    miColor input1;
+    miScalar weight;
+
+    static constexpr auto fields()
+    {
+        return std::array{VHL_FIELD(Tinted, input1, "Colour <b> & \"c\"."),
+                          VHL_FIELD(Tinted, weight, "Weight, as in vhAddScalar_v1.")};
+    }
+};
+static constexpr auto fields = Tinted::fields();
+
+static VHL::Description made(std::string_view name, std::string_view unit, std::string_view text = "Does.")
+{
+    return {name, unit, 1, 7, VHL::Kind::color, {}, fields, {text}};
+}
+
+static const std::array sample = {
+    made("vhAddScalar_v1", "add"),
+    made("vhAddColor_v2", "add", "input1 < 2 & weight."),
+    made("vhAddColor_v1", "add"),
+    made("vhSetOpacity_v1", "util"),
+    made("vhMixerColor4_v1", "mixer"),
+    made("vhMixerScalar16_v1", "mixer"),
+    made("vhBoolean2Color_v1", "conversion"),
+    made("vhSomethingNew_v1", "new"),
+};
+
+static std::vector<std::string> names(const declare::Shaders& shaders)
+{
+    std::vector<std::string> all;
+    for (const VHL::Description* shader : shaders)
+        all.emplace_back(shader->name);
+    return all;
+}
+
+class Pages : public testing::Test {
+protected:
+    const Catalog catalog{sample};
+    const VHL::Description& shader = *catalog.find("vhAddColor_v2");
+
+    std::string page(const declare::Exhibits& exhibits = {}) const
+    {
+        return declare::shaderPage(catalog, exhibits, shader);
+    }
+    std::string line(std::string_view text) const { return declare::line(catalog, shader, text).str(); }
+    std::string blocks(std::string_view text) const { return declare::blocks(catalog, shader, text).str(); }
+    std::string scene(std::string_view text) const { return declare::scene(catalog, &shader, text).str(); }
+};
+using List = std::vector<std::string>;
+
+TEST(HtmlText, IsEscapedUnlessItIsHtml)
+{
+    EXPECT_EQ(Html("a<b>&\"c\"").str(), "a&lt;b&gt;&amp;&quot;c&quot;");
+    EXPECT_EQ(html("<i title=\"{}\">{}</i>", "\"{}\"", html("<b>{}</b>", "&")).str(),
+              "<i title=\"&quot;{}&quot;\"><b>&amp;</b></i>");
+    EXPECT_EQ(html("{} of {}", std::size_t{2}, std::string("{}")).str(), "2 of {}");
+    EXPECT_TRUE(Html().empty());
+}
+
+TEST(NameParts, LeaveTheOperation)
+{
+    for (const auto& [name, stem, operation] :
+         std::vector<std::array<std::string_view, 3>>{{"vhAddScalar_v1", "AddScalar", "Add"},
+                                                      {"vhMixerColor16_v1", "MixerColor16", "Mixer"},
+                                                      {"vhBoolean2Integer_v1", "Boolean2Integer", "Boolean"},
+                                                      {"vhColor2Scalars_v1", "Color2Scalars", "Color"},
+                                                      {"vhVectorNorm_v1", "VectorNorm", "VectorNorm"},
+                                                      {"vhNot_v1", "Not", "Not"}}) {
+        EXPECT_EQ(declare::partsOf(name).stem, stem);
+        EXPECT_EQ(declare::partsOf(name).operation, operation);
+    }
+}
+
+TEST_F(Pages, CatalogTakesByNameBeforeUnitAndLeavesTheUnknown)
+{
+    EXPECT_EQ(catalog.groupOf(*catalog.find("vhSetOpacity_v1")).name, "layers");
+    EXPECT_EQ(catalog.groupOf(shader).name, "arithmetic");
+    EXPECT_EQ(names(catalog.strays()), List{"vhSomethingNew_v1"});
+    EXPECT_EQ(catalog.find("vhSomethingNew_v1"), nullptr);
+    for (const declare::Group& group : catalog.groups())
+        EXPECT_FALSE(group.shaders.empty()) << group.name;
+}
+
+TEST_F(Pages, CatalogKnowsRelatives)
+{
+    EXPECT_EQ(names(catalog.versions(shader)), List{"vhAddColor_v1"});
+    EXPECT_EQ(names(catalog.siblings(shader)), List{"vhAddScalar_v1"});
+    EXPECT_EQ(names(catalog.siblings(*catalog.find("vhMixerColor4_v1"))), List{"vhMixerScalar16_v1"});
+    EXPECT_EQ(catalog.neighbour(*catalog.shaders().front(), -1), nullptr);
+    EXPECT_EQ(catalog.neighbour(*catalog.shaders().back(), +1), nullptr);
+    EXPECT_EQ(catalog.neighbour(shader, +1), catalog.find("vhAddColor_v1"));
+}
+
+TEST(Catalog, TakesEveryShaderOfTheLibraryAndShowsOneOfEachGroup)
+{
+    const std::vector<VHL::Description> shaders = declare::shaders();
+    const Catalog catalog(shaders);
+    EXPECT_EQ(names(catalog.strays()), List());
+    EXPECT_EQ(catalog.shaders().size(), shaders.size());
+    for (const declare::Group& group : catalog.groups()) {
+        const VHL::Description* const cover = catalog.find(group.cover);
+        ASSERT_NE(cover, nullptr) << group.name;
+        EXPECT_EQ(&catalog.groupOf(*cover), &group) << group.name;
+    }
+}
+
+TEST_F(Pages, LineLinksOthersAndMarksOwnNames)
+{
+    EXPECT_EQ(line("As vhAddScalar_v1."),
+              "As <a href=\"vhAddScalar_v1.html\"><code>vh<wbr>Add<wbr>Scalar<wbr>_v1</code></a>.");
+    EXPECT_EQ(line("vhAddColor_v2, vhAddColor_v3"), "<code>vhAddColor_v2</code>, vhAddColor_v3");
+    EXPECT_EQ(line("input1 < weight"), "<code>input1</code> &lt; weight");
+    EXPECT_EQ(declare::line(catalog, shader, "Then weight.", declare::Names::all).str(),
+              "Then <code>weight</code>.");
+    EXPECT_EQ(line("`a<b` and `rest"), "<code>a&lt;b</code> and <code>rest</code>");
+    EXPECT_EQ(line(""), "");
+}
+
+TEST_F(Pages, BlocksAreParagraphsListsTablesAndCode)
+{
+    EXPECT_EQ(blocks("One\ntwo.\n\nThree."), "<p>One\ntwo.</p>\n<p>Three.</p>\n");
+    EXPECT_EQ(blocks("- a\n  more\n- b"), "<ul>\n<li>a\n  more</li>\n<li>b</li>\n</ul>\n");
+    EXPECT_EQ(blocks("| x | y |\n|---|---|\n| `a\\|b` | < |\n\nEnd."),
+              "<table class=\"notes\">\n<thead><tr><th scope=\"col\">x</th><th "
+              "scope=\"col\">y</th></tr></thead>\n<tbody>\n"
+              "<tr><td><code>a|b</code></td><td>&lt;</td></tr>\n</tbody>\n</table>\n<p>End.</p>\n");
+    EXPECT_EQ(blocks("```\nvhAddScalar_v1\n\n<\n```\n\nEnd."),
+              "<pre tabindex=\"0\"><code>vhAddScalar_v1\n\n&lt;</code></pre>\n<p>End.</p>\n");
+}
+
+TEST_F(Pages, SceneTellsWordsStringsAndCommentsApart)
+{
+    EXPECT_EQ(scene("# \"no\" <\nshader \"a\" -0.5 1e3"),
+              "<span class=\"c\"># &quot;no&quot; &lt;</span>\n<span class=\"k\">shader</span> "
+              "<span class=\"s\">\"a\"</span> -0.5 1e3");
+    EXPECT_EQ(scene("\"vhAddScalar_v1\""),
+              "<span class=\"s\">\"<a href=\"vhAddScalar_v1.html\">vhAddScalar_v1</a>\"</span>");
+    EXPECT_EQ(scene("\"vhAddColor_v2\""), "<span class=\"s\">\"vhAddColor_v2\"</span>");
+    EXPECT_EQ(scene("\"open <"), "<span class=\"s\">\"open &lt;\"</span>");
+}
+
+TEST(Caption, IsTheFirstCommentWithoutTheLicence)
+{
+    EXPECT_EQ(declare::captionOf("# SPDX-License-Identifier: X\n# Two\n#\n# discs.\n\n# No.\n"),
+              "Two discs.");
+    EXPECT_EQ(declare::captionOf("shader \"a\""), "");
+    EXPECT_EQ(declare::captionOf("# SPDX"), "");
+    EXPECT_EQ(declare::captionOf(""), "");
+}
+
+TEST_F(Pages, ShowPicturesAndScenesThatThereAre)
+{
+    EXPECT_EQ(page().find("pictures/"), std::string::npos);
+    EXPECT_EQ(page().find("id=\"example\""), std::string::npos);
+    const std::string full =
+        page({{"vhAddColor_v2"}, {{"vhAddColor_v2", "# SPDX\n# Both <sums>.\n\nshader \"x\"\n"}}});
+    EXPECT_NE(full.find("src=\"pictures/vhAddColor_v2.png\""), std::string::npos);
+    EXPECT_NE(full.find("<figcaption>Both &lt;sums&gt;.</figcaption>"), std::string::npos);
+    EXPECT_NE(full.find("href=\"#example\""), std::string::npos);
+}
+
+TEST_F(Pages, SayWhatIsSaidOfAShader)
+{
+    VHL::Description told = shader;
+    told.about.order = "First input1.";
+    told.about.edges = "0 < NaN.";
+    const std::array alone = {told};
+    const Catalog one(alone);
+    const std::string text = declare::shaderPage(one, {}, *one.shaders().front());
+    for (const char* const part :
+         {"<p>First <code>input1</code>.</p>", "<p>0 &lt; NaN.</p>", "<p>None.</p>", "version 7",
+          "<code>input1</code> &lt; 2 &amp; weight.", "Colour &lt;b&gt; &amp; &quot;c&quot;.",
+          "content=\"input1 &lt; 2 &amp; weight.\""})
+        EXPECT_NE(text.find(part), std::string::npos) << part;
+    EXPECT_EQ(page().find("id=\"evaluation\""), std::string::npos);
+    EXPECT_EQ(page().find("id=\"notes\""), std::string::npos);
+}
+
+TEST(SearchIndex, IsAScriptWhateverTheTextsAre)
+{
+    const std::array one = {made("vhAddScalar_v1", "add", "A \"b\" \\ </script>.")};
+    EXPECT_NE(
+        declare::searchIndex(Catalog(one))
+            .find(R"(["vhAddScalar_v1", "Arithmetic", "color", "A \"b\" \\ </script>.", "input1 weight"],)"),
+        std::string::npos);
+}
