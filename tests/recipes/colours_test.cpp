@@ -221,6 +221,7 @@ TEST(Colours, NanMarker)
     expectClose(r.set("input", miColor{0, 0, endless, 1}).run<miColor>(), infinite);
     expectClose(r.set("input", miColor{-endless, 0, 0, 1}).run<miColor>(), infinite);
     const float most = std::numeric_limits<float>::max();
-    EXPECT_EQ(r.set("input", miColor{most, -most, 0, 1}).run<miColor>().r, most) << "the largest is a number";
+    for (const miColor& largest : {miColor{most, most, most, 1}, miColor{-most, -most, -most, 1}})
+        EXPECT_EQ(r.set("input", largest).run<miColor>().g, largest.g) << "the largest are numbers";
     EXPECT_EQ(r.set("input", miColor{0.25f, 0, 0, endless}).run<miColor>().r, 0.25f) << "alpha is not marked";
 }

@@ -136,3 +136,24 @@ TEST(RecipeFiles, TheyAreMadeOfTheLibraryAlone)
     EXPECT_NO_THROW(host::readScene(session, VHL_DECLARATIONS "/recipes.mi"));
     EXPECT_NO_THROW(host::readScene(session, VHL_DECLARATIONS "/recipes.mi")) << "twice is once";
 }
+
+// Without parameters each gives numbers that can be shown. Those that ask for names and lights need a scene.
+TEST(RecipeFiles, UsedBareTheyGiveFiniteNumbers)
+{
+    for (const std::string& name : recipes()) {
+        SCOPED_TRACE(name);
+        if (name == "vhrIdMatteColor_v1" || name == "vhrShadowMatteColor_v1")
+            continue;
+        Recipe recipe(name);
+        recipe.atPixel(30, 70);
+        recipe.atUv(0.3f, 0.7f);
+        recipe.state.point = {0.3f, 0.2f, 0.1f};
+        if (name.find("Scalar_v") != std::string::npos) {
+            EXPECT_TRUE(std::isfinite(recipe.run<float>()));
+            continue;
+        }
+        const miColor color = recipe.run<miColor>();
+        EXPECT_TRUE(std::isfinite(color.r + color.g + color.b));
+        EXPECT_EQ(color.a, name == "vhrInvertMatteColor_v1" ? 0 : 1) << "of opaque inputs";
+    }
+}

@@ -77,6 +77,10 @@ TEST(Patterns, Dots)
     expectPattern(r, [](double x, double y) {
         return (0.3 - std::hypot(fract(3 * x) - 0.5, fract(2 * y) - 0.5)) / 0.2 + 0.5;
     });
+    r.set("softness", 0.0);
+    expectPattern(r, [](double x, double y) {
+        return std::hypot(fract(3 * x) - 0.5, fract(2 * y) - 0.5) < 0.3 ? 1 : 0;
+    });
 }
 
 TEST(Patterns, Grid)

@@ -2,6 +2,7 @@
 // Recipes in pictures: what goes by names, labels, sides, rays, shadows and places, where scenes decide.
 #include "host/language/read.h"
 #include "host/render/rendering.h"
+#include "tests/harness/messages.h"
 #include "tests/recipes/recipe.h"
 
 #include <functional>
@@ -145,6 +146,20 @@ instance "screen-i" "screen" end instance
     });
 }
 
+// A light of one colour is no less lit in that channel for having no other.
+TEST(InScenes, ShadowMattesTakeTheChannelThatALightHas)
+{
+    for (const char* const paint : {"1 0 0", "0 1 0", "0 0 1"}) {
+        const std::string light = std::string(R"(
+light "lamp" "mib_light_infinite" ( "color" )") +
+                                  paint + R"() direction 0 0 -1 end light
+instance "lamp-i" "lamp" end instance
+shader "seen" "vhrShadowMatteColor_v1" ( "redLights" [ "lamp-i" ], "greenLights" [ "lamp-i" ], "blueLights" [ "lamp-i" ] )
+)";
+        expectWall(wall(light, {}, {}, {}, "\"lamp-i\" "), [](int) { return Rgba{1, 1, 1, 1}; });
+    }
+}
+
 TEST(InScenes, PlacesInThePictureArePixels)
 {
     expectWall(
@@ -190,4 +205,30 @@ shader "seen" "vhrContrastColor_v1" ( "input" = "steps", "contrast" 0.5 ))"),
                    const double v = 0.25 + 0.5 * smoothstep(0, 8, k % 8 + 0.5);
                    return Rgba{v, v, v, 1};
                });
+}
+
+// What is not seen is not evaluated: a costly branch costs nothing where the other one is taken.
+TEST(InScenes, OnlyWhatIsSeenIsEvaluated)
+{
+    const std::string branches = R"(
+shader "ever"  "vhDebugColor_v1" ( "input" 0 1 0 1, "name" "ever", "useLimit" off )
+shader "never" "vhDebugColor_v1" ( "input" 1 0 0 1, "name" "never", "useLimit" off )
+shader "seen"  )";
+    for (
+        const char* const shader : {
+            R"("vhrCheckerColor_v1" ( "color1" = "ever", "color2" = "never", "frequency" 0 0 0 ))",
+            R"("vhrGridColor_v1" ( "color1" = "ever", "color2" = "never", "width" 0 ))",
+            R"("vhrBrickColor_v1" ( "brick" = "ever", "mortar" = "never", "joint" 0 ))",
+            R"("vhrWipeColor_v1" ( "a" = "ever", "b" = "never", "lineColor" = "never", "position" 1, "lineWidth" 0 ))",
+            R"("vhrRegionColor_v1" ( "input" = "ever", "outside" = "never", "lower" 0 0 0, "upper" 1 1 0 ))",
+            R"("vhrTwoSidedColor_v1" ( "front" = "ever", "back" = "never" ))",
+            R"("vhrRaySwitchColor_v1" ( "eye" = "ever", "reflect" = "never", "refract" = "never", "other" = "never" ))",
+            R"("vhrNanMarkerColor_v1" ( "input" = "ever", "nan" = "never", "infinite" = "never" ))",
+        }) {
+        SCOPED_TRACE(shader);
+        const Messages messages;
+        expectWall(wall(branches + shader), [](int) { return Rgba{0, 1, 0, 1}; });
+        EXPECT_EQ(messages.count("vhDebugColor : ever"), 32) << "once for each sample";
+        EXPECT_EQ(messages.count("vhDebugColor : never"), 0);
+    }
 }

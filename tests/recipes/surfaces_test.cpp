@@ -150,6 +150,8 @@ TEST(Surfaces, BoxMask)
         r.state.point = p;
         EXPECT_EQ(r.run<float>(), beyond(p) <= 0 ? 1 : 0) << p.x << ' ' << p.y << ' ' << p.z;
     }
+    r.state.point = {0.76f, 0, 0};
+    EXPECT_EQ(r.run<float>(), 0) << "a hundredth outside";
 }
 
 TEST(Surfaces, TwoSided)
