@@ -49,9 +49,13 @@ TEST(Surfaces, Rim)
         expectClose(r.run<miColor>(),
                     {first[0] + second[0] * rim, first[1] + second[1] * rim, first[2] + second[2] * rim, 1});
     }
-    r.set("width", 0.0);
-    r.state.dot_nd = -0.001f;
-    expectClose(r.run<miColor>(), first);
+    for (const double width : {0.0, -1.0}) {
+        r.set("width", width);
+        r.state.dot_nd = -0.001f;
+        expectClose(r.run<miColor>(), first);
+        r.state.dot_nd = 0;
+        EXPECT_TRUE(std::isfinite(r.run<miColor>().r)) << "also at the very outline";
+    }
 }
 
 TEST(Surfaces, Fresnel)
