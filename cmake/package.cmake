@@ -7,7 +7,7 @@ endif()
 include(CMakePackageConfigHelpers)
 
 install(TARGETS vhl LIBRARY DESTINATION lib COMPONENT vhl)
-install(FILES declarations/vhl.mi DESTINATION include COMPONENT vhl)
+install(FILES declarations/vhl.mi declarations/recipes.mi DESTINATION include COMPONENT vhl)
 
 install(TARGETS vhl_core EXPORT vhl ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT vhl)
 install(FILES ${VHL_PUBLIC_HEADERS} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/vhl COMPONENT vhl)

@@ -408,7 +408,8 @@ private:
         return result;
     }
 
-    // The array is as long as the definition's; each element is connected to its counterpart.
+    // The array is as long as the definition's; each element is connected to its counterpart. What the
+    // definition gives literally stands here too: shaders evaluate the slot and read on from there.
     void setInterfaceArray(const Field& field, std::size_t at, const std::string& name, const Location& where)
     {
         const Parameter source = interfaceParameter(name, where);
@@ -427,8 +428,12 @@ private:
         const std::size_t begin =
             source.offset + source.field->slot() + static_cast<std::size_t>(first) * element.elementSize;
         const std::size_t payload = makeArray(field, at, static_cast<std::size_t>(count), false, where);
+        const bool alike = element.type == field.type && field.type != Type::structure;
         for (std::size_t k = 0; k < static_cast<std::size_t>(count); ++k) {
             path_.push_back({&field, k});
+            if (alike)
+                std::memcpy(block_.bytes.data() + payload + k * field.elementSize,
+                            theirs - source.offset + begin + k * element.elementSize, field.elementSize);
             connectValue(field, payload + k * field.elementSize, {setting_.phenomenon, true}, element,
                          begin + k * element.elementSize, name, where);
             path_.pop_back();

@@ -22,7 +22,9 @@ file(RENAME ${work}/first ${prefix})
 if(NOT EXISTS ${prefix}/lib/libvhl.so)
     message(FATAL_ERROR "lib/libvhl.so is not installed")
 endif()
-run(${CMAKE_COMMAND} -E compare_files ${prefix}/include/vhl.mi ${source}/declarations/vhl.mi)
+foreach(declarations vhl.mi recipes.mi)
+    run(${CMAKE_COMMAND} -E compare_files ${prefix}/include/${declarations} ${source}/declarations/${declarations})
+endforeach()
 
 set(printed "1 0.75 1 a;b; 50 9 0.25 1 0.5 151 same\n")
 

@@ -7,6 +7,7 @@ execute_process(COMMAND ${tool} ${work} COMMAND_ERROR_IS_FATAL ANY)
 
 file(GLOB_RECURSE written RELATIVE ${work} ${work}/*)
 file(GLOB committed RELATIVE ${source} ${source}/declarations/* ${source}/docs/reference/*)
+list(REMOVE_ITEM committed declarations/recipes.mi) # written by hand
 list(SORT written)
 list(SORT committed)
 if(NOT written STREQUAL committed)

@@ -3,6 +3,7 @@
 #include "tests/host/language/scene.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace test {
 
@@ -144,6 +145,25 @@ root = "in")") +
     EXPECT_EQ(valueAt(followed(scene, "x::rest")), 30.0f);
     EXPECT_EQ(followed(scene, "x::rest", 1).field, "cs[1]");
     EXPECT_EQ(valueAt(followed(scene, "x::plain")), 1.0f) << "a colour drives a scalar with its red";
+}
+
+TEST(Phenomenon, LiteralElementsOfAnArrayAreThereForShadersThatReadOnFromTheSlot)
+{
+    Scene scene(shaders +
+                phenomenon("array color \"cs\"",
+                           "shader \"in\" \"all\" ( \"cs\" = interface \"cs\" ) root = \"in\"") +
+                "shader \"one\" \"leaf\" ( ) shader \"x\" \"p\" ( \"cs\" [ 1 2 3 4, = \"one\", 5 6 7 8 ] )");
+    const auto& declaration = scene.get<host::Function>("x::in").declaration();
+    const auto array = scene.parameter<std::array<int, 2>>("x::in", "cs");
+    const auto* const block = static_cast<const std::byte*>(scene.get<host::Function>("x::in").parameters());
+    const host::Field& field = *declaration.parameter("cs");
+    std::array<miColor, 3> colors{};
+    std::memcpy(colors.data(),
+                block + field.offset + field.slot() + static_cast<std::size_t>(array[0]) * sizeof(miColor),
+                sizeof colors);
+    EXPECT_EQ(colors[0].g, 2.0f);
+    EXPECT_EQ(colors[1].g, 0.0f) << "connected in the definition";
+    EXPECT_EQ(colors[2].a, 8.0f);
 }
 
 TEST(Phenomenon, InterfaceIsChecked)
