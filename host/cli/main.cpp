@@ -140,6 +140,10 @@ void run(const host::CommandLine& command)
     session.onRender = [&](const host::RenderCommand& render) {
         ++found;
         rendered += renderFrame(session, render, command);
+        if (rendered == 2 && command.fileName && command.render && !command.check && !command.probe)
+            host::message(
+                host::Level::warning, "RC",
+                "-file_name is one name for several frames: each picture takes the place of the last");
     };
 
     for (const std::string& library : command.libraries)

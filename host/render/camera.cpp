@@ -5,11 +5,12 @@
 
 namespace host {
 
-CameraRays::CameraRays(const miCamera& camera, const miInstance& leaf) : camera_(camera), transform_(leaf.tf)
+CameraRays::CameraRays(const miCamera& camera, const Instance& leaf)
+    : camera_(camera), transform_(leaf.record.tf), drift_(leaf.drift)
 {
 }
 
-PrimaryRay CameraRays::at(double rasterX, double rasterY) const
+PrimaryRay CameraRays::at(double rasterX, double rasterY, float time) const
 {
     const double width = camera_.aperture;
     const double x = ((rasterX - camera_.x_offset) / camera_.x_resolution - 0.5) * width;
@@ -26,8 +27,11 @@ PrimaryRay CameraRays::at(double rasterX, double rasterY) const
         along = camera_.focal / norm;
     }
     const miMatrix& toWorld = transform_.local_to_global;
-    ray.origin = transformPoint(ray.origin, toWorld);
-    const miVector direction = transformVector(ray.direction, toWorld);
+    miVector direction = transformVector(ray.direction, toWorld);
+    if (time != 0.0f)
+        direction = direction + transformVector(ray.direction, drift_) * time;
+    const miVector first = transformPoint(ray.origin, toWorld);
+    ray.origin = time == 0.0f ? first : first + transformPoint(ray.origin, drift_) * time;
     // A camera instance may be scaled: clipping distances are the camera's own, ray lengths the world's.
     const double scale = length(direction) / along;
     ray.direction = normalised(direction);

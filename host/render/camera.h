@@ -18,15 +18,16 @@ struct PrimaryRay {
 class CameraRays {
 public:
     /// `leaf` is the camera's leaf instance.
-    CameraRays(const miCamera& camera, const miInstance& leaf);
+    CameraRays(const miCamera& camera, const Instance& leaf);
 
-    /// The ray through a raster position: (0, 0) is the lower left corner of the picture's lower left pixel.
-    PrimaryRay at(double rasterX, double rasterY) const;
+    /// The ray through a raster position: (0, 0) is the lower left corner of the picture's lower left pixel. `time` runs
+    /// from 0 to 1 over the shutter; a camera that moves does so along straight lines.
+    PrimaryRay at(double rasterX, double rasterY, float time) const;
 
     /// How wide a pixel is in internal space after so long a way, in the middle of the picture.
     double pixelWidth(double distance) const;
 
-    /// How far a point is in front of the camera, along its viewing axis.
+    /// How far a point is in front of the camera as the shutter opens, along its viewing axis.
     float depth(miVector point) const;
 
     /// A direction of internal space in camera space.
@@ -35,6 +36,7 @@ public:
 private:
     const miCamera& camera_;
     const miTransform& transform_;
+    const miMatrix& drift_; ///< what its matrix to the world gains while the shutter is open
 };
 
 } // namespace host

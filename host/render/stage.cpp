@@ -29,17 +29,13 @@ bool compositesOpacity(const Options& options)
     return !on || *on;
 }
 
-/// Objects move while the shutter is open, and nothing else does.
+/// Objects and cameras move while the shutter is open; lights do not.
 void warnOfMotion(const Options& options, const Leaves& leaves)
 {
     if (!options.record.motion || options.record.shutter <= 0.0f)
         return;
-    for (const auto* const list : {&leaves.cameras(), &leaves.lights()})
-        for (const Instance* const leaf : *list)
-            if (leaf->hasMotion) {
-                message(Level::warning, "RC", "cameras and lights with a motion transform are not blurred");
-                return;
-            }
+    if (std::ranges::any_of(leaves.lights(), [](const Instance* leaf) { return leaf->hasMotion; }))
+        message(Level::warning, "RC", "lights with a motion transform stay where they are as the shutter opens");
 }
 
 } // namespace
@@ -48,7 +44,7 @@ Stage::Stage(Session& session, const RenderCommand& command, const Camera& theCa
              const Options& theOptions)
     : database(session.database), options(theOptions), camera(theCamera),
       leaves(session.database, command.root), cameraLeaf(placed(leaves, command)),
-      rays(camera.record, cameraLeaf.record), surfaces(database),
+      rays(camera.record, cameraLeaf), surfaces(database),
       world(database, leaves, surfaces, options.record.motion && options.record.shutter > 0.0f),
       lights(database, leaves), environment(functionsOf(database, camera.environment, camera)),
       textures(database, session.paths), compositesOpacity(host::compositesOpacity(theOptions))

@@ -322,7 +322,7 @@ SampleResult sample(RenderThread& thread, float rasterX, float rasterY, float ti
     frame->surroundings.environment = &stage.environment;
     state.environment = stage.environment.empty() ? miNULLTAG : stage.environment.front()->tag;
     enter(*frame, stage.volume);
-    const PrimaryRay primary = stage.rays.at(rasterX, rasterY);
+    const PrimaryRay primary = stage.rays.at(rasterX, rasterY, shutterFraction(state));
     state.org = primary.origin;
     state.dir = primary.direction;
 
@@ -358,7 +358,7 @@ miBoolean traceEye(miColor& result, miState& state, const miVector& origin, cons
             frame->state.dir = normalised(direction);
         Ray ray = eyeRay(frame->state);
         // Lenses that leave the camera's ray as it is leave its clipping too.
-        const PrimaryRay primary = thread.stage.rays.at(state.raster_x, state.raster_y);
+        const PrimaryRay primary = thread.stage.rays.at(state.raster_x, state.raster_y, shutterFraction(state));
         if (isSame(origin, primary.origin) && isSame(direction, primary.direction)) {
             ray.near = primary.near;
             ray.far = primary.far;

@@ -342,6 +342,18 @@ TEST_F(Program, FramesThatAreNotThereAreAWarning)
     EXPECT_NE(outcome.messages.find("no frame"), std::string::npos) << outcome.messages;
 }
 
+TEST_F(Program, OneNameForSeveralFramesIsAWarning)
+{
+    Scene scene;
+    EXPECT_EQ(render(scene, {"-o", "one.tif"}).messages, "");
+    scene.render += scene.render + scene.render;
+    const Outcome outcome = render(scene, {"-o", "one.tif"});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(std::count(outcome.messages.begin(), outcome.messages.end(), '\n'), 1) << outcome.messages;
+    EXPECT_NE(outcome.messages.find("-file_name is one name for several frames"), std::string::npos);
+    EXPECT_EQ(render(scene, {"-o", "one.tif", "-check"}).messages, "");
+}
+
 TEST_F(Program, IndicesBeyondTheirLists)
 {
     Scene scene;

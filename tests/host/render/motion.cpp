@@ -224,19 +224,63 @@ TEST(Motion, TheTimesOfAPixelsSamplesShareTheShutterOut)
     EXPECT_EQ(*parts.rbegin(), 255);
 }
 
-TEST(Motion, OfCamerasAndLightsIsToldToBeMissing)
+TEST(Motion, AMovingCameraBlursWhatStands)
+{
+    // Three to the left: as if the sheet went to the right.
+    Moving scene;
+    scene.placed(scene.sheet());
+    setMotion(scene.cameraInstance, moved(-3, 0, 0));
+    expectBlurred(scene.render());
+}
+
+TEST(Motion, ACameraMovesWithWhatItStandsIn)
+{
+    Moving scene;
+    scene.placed(scene.sheet());
+    auto& cart = scene.session.database.make<host::Group>("cart");
+    cart.members.push_back(scene.cameraInstance.tag);
+    std::erase(scene.root.members, scene.cameraInstance.tag);
+    setMotion(scene.place(cart), moved(-3, 0, 0));
+    expectBlurred(scene.render());
+}
+
+TEST(Motion, WhatMovesWithTheCameraIsSharp)
+{
+    Moving scene;
+    setMotion(scene.placed(scene.sheet()), moved(3, 1, -2));
+    setMotion(scene.cameraInstance, moved(3, 1, 0));
+    const host::Picture picture = scene.render();
+    for (int x = 0; x < 8; ++x)
+        EXPECT_EQ(picture.color(x, 0).r, x < 4 ? 1.0f : 0.0f) << x;
+}
+
+TEST(Motion, ACameraThatTurnsSweepsItsDirections)
+{
+    // From looking along (0, 0, -1) to (1, 0, -1), straight: at t the middle of the picture sees x = t in the
+    // plane z = -1.
+    Moving scene;
+    scene.camera.record.orthographic = miFALSE;
+    scene.camera.record.aperture = 0.002f;
+    scene.camera.record.focal = 1;
+    scene.placed(scene.sheet(), {0.5f, 0, -1}); // its edge half way
+    setMotion(scene.cameraInstance, {1, 0, 0, 0, 0, 1, 0, 0, -1, 0, 1, 0, 0, 0, 0, 1});
+    const host::Picture picture = scene.render();
+    for (int x = 0; x < 8; ++x)
+        EXPECT_NEAR(picture.color(x, 0).r, 0.5, 0.07) << x;
+}
+
+TEST(Motion, OfLightsIsToldToBeMissing)
 {
     Moving scene;
     scene.place(scene.pointLight({0, 0, 0}, [](miColor&, miState&) { return miTRUE; }));
     const Messages messages;
     scene.render();
     EXPECT_TRUE(messages.lines().empty());
-    setMotion(scene.cameraInstance, moved(1, 0, 0));
     setMotion(scene.place(scene.pointLight({0, 0, 0}, [](miColor&, miState&) { return miTRUE; })),
               moved(1, 0, 0));
     scene.render();
     ASSERT_EQ(messages.lines().size(), 1u);
-    EXPECT_EQ(messages.count("cameras and lights with a motion transform are not blurred"), 1);
+    EXPECT_EQ(messages.count("lights with a motion transform stay where they are as the shutter opens"), 1);
     scene.options.record.motion = 0;
     scene.render();
     EXPECT_EQ(messages.lines().size(), 1u);

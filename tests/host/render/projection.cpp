@@ -138,8 +138,8 @@ TEST(Projection, FarFromTheOriginDirectionsStayExact)
     camera.record.x_resolution = camera.record.y_resolution = 4;
     host::Instance leaf;
     test::moveTo(leaf, {1e6f, 0, 0});
-    const host::CameraRays rays(camera.record, leaf.record);
-    const host::PrimaryRay ray = rays.at(1.0, 3.0);
+    const host::CameraRays rays(camera.record, leaf);
+    const host::PrimaryRay ray = rays.at(1.0, 3.0, 0.0f);
     EXPECT_EQ(ray.origin.x, 1e6f);
     const double norm = std::sqrt(0.25 + 0.25 + 1.0);
     EXPECT_NEAR(ray.direction.x, -0.5 / norm, 1e-7);
