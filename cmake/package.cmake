@@ -35,12 +35,13 @@ file(RELATIVE_PATH VHL_PREFIX_FROM_PKGCONFIG /${CMAKE_INSTALL_LIBDIR}/pkgconfig 
 configure_file(cmake/vhl.pc.in vhl.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/vhl.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT vhl)
 
-# What people read: manual, examples, manual pages and completion. Links between docs/ and examples/ hold, since both
-# lie side by side in every layout.
-install(FILES README.md CHANGELOG.md LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT manual)
+# What people read: manual, examples, reference pages, manual pages and completion. Links between docs/ and examples/
+# hold, since both lie side by side in every layout.
+install(FILES README.md CONTRIBUTING.md CHANGELOG.md LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT manual)
 install(DIRECTORY docs examples DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT manual
         PATTERN man EXCLUDE REGEX "examples/CMakeLists.txt$" EXCLUDE)
 if(VHL_HOST)
+    install(DIRECTORY ${PROJECT_BINARY_DIR}/reference DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT manual)
     install(FILES docs/man/vhrender.1 docs/man/vhpano.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT host)
     foreach(program vhrender vhpano)
         install(FILES completion/${program}.bash RENAME ${program}

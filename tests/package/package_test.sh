@@ -20,7 +20,7 @@ done
 clean() { env -i PATH=/usr/bin:/bin HOME="$folder" "$@"; }
 
 # What holds wherever it is installed: programs, folder with examples, manual pages.
-check_installed() # prefix, folder of docs/ and examples/
+check_installed() # prefix, folder of docs/, examples/ and reference/
 {
     local prefix=$1 doc=$2 file page
     [[ $(clean "$prefix/bin/vhrender" -version) == "vhrender $version" ]] || fail "$prefix: another vhrender"
@@ -30,6 +30,10 @@ check_installed() # prefix, folder of docs/ and examples/
     idiff -q -fail 0.0157 -failpercent 1 -warn 1 "$folder/first.png" "$source/tests/scenes/reference/first.png" ||
         fail "$prefix: another picture"
     rm "$folder/first.png"
+    clean "$prefix/bin/vhrender" -o "$folder/recipe.png" "$doc/examples/recipes/vhrSepiaColor_v1.mi"
+    idiff -q -fail 0.0157 -failpercent 1 -warn 1 "$folder/recipe.png" "$source/docs/pictures/recipes/vhrSepiaColor_v1.png" ||
+        fail "$prefix: another picture of a recipe"
+    rm "$folder/recipe.png"
 
     for page in vhrender vhpano; do
         file=$(find "$prefix/share/man/man1" -name "$page.1*")
@@ -38,10 +42,11 @@ check_installed() # prefix, folder of docs/ and examples/
         bash -c '. "$1" && complete -p "$2"' - "$prefix/share/bash-completion/completions/$page" $page >/dev/null ||
             fail "$prefix: no completion of $page"
     done
-    for file in docs/README.md docs/reference/README.md docs/first.png examples/tile.png; do
+    for file in docs/README.md docs/reference/README.md docs/first.png examples/tile.png \
+        reference/{index.html,pictures/vhAddColor_v2.png}; do
         [[ -s $doc/$file ]] || fail "$doc/$file is missing"
     done
-    "$source/tests/docs/links_test.sh" "$doc/docs" "$doc/examples"
+    "$source/tests/docs/links_test.sh" "$doc"
 
     # For programs: what pkg-config says is there.
     local options option
@@ -64,9 +69,11 @@ tar xf "$archive" -C "$folder/some where"
 unpacked=("$folder/some where"/*)
 [[ ${#unpacked[@]} -eq 1 && $(basename "$unpacked") == "$(basename "$archive" .tar.gz)" ]] ||
     fail "unpacks as ${unpacked[*]}"
-[[ $(ls "$unpacked" | paste -sd' ') == "CHANGELOG.md LICENSE README.md bin docs examples include lib share" ]] ||
+[[ $(ls "$unpacked" | paste -sd' ') == "CHANGELOG.md CONTRIBUTING.md LICENSE README.md bin docs examples include lib reference share" ]] ||
     fail "the archive holds $(ls "$unpacked")"
-[[ -s $unpacked/lib/libvhl.so && -s $unpacked/include/vhl.mi ]] || fail "the archive has no library"
+for file in lib/{libvhl,base}.so include/{vhl,recipes,base}.mi; do
+    [[ -s $unpacked/$file ]] || fail "$file is missing in the archive"
+done
 check_installed "$unpacked" "$unpacked"
 
 # Debian's package, in an empty root.
@@ -101,7 +108,7 @@ else # nobody else may give files to root
 fi
 (cd "$root" && md5sum --quiet -c var/lib/dpkg/info/vhl.md5sums) || fail "files differ from their sums"
 check_installed "$root/usr" "$root/usr/share/doc/vhl"
-for file in lib/vhl/{lib/libvhl.so,lib/base.so,include/vhl.mi,include/base.mi} share/doc/vhl/copyright; do
+for file in lib/vhl/{lib/{libvhl,base}.so,include/{vhl,recipes,base}.mi} share/doc/vhl/copyright; do
     [[ -s $root/usr/$file ]] || fail "/usr/$file is missing"
 done
 [[ -n $(zcat "$root/usr/share/doc/vhl/changelog.gz") ]] || fail "no list of changes"
