@@ -84,6 +84,27 @@ TEST(InScenes, ObjectMattesGoByWholeNamesInAnySpelling)
                });
 }
 
+// Squares are t0 to t31. One pattern fits several names, some names fit two, and $. fits none.
+TEST(InScenes, PatternMattesGoByWhatNamesHaveInCommon)
+{
+    const Messages messages;
+    expectWall(wall(R"(shader "seen" "vhrPatternMatteColor_v1" ( "red" "^T1", "green" "?5$", "blue" "$." ))"),
+               [](int k) {
+                   const bool beginsWithOne = k == 1 || (k >= 10 && k < 20);
+                   return Rgba{beginsWithOne ? 1.0 : 0, k % 10 == 5 ? 1.0 : 0, 0, 1};
+               });
+    EXPECT_EQ(messages.count("not matched to a pattern"), (32 - 11) + (32 - 3) + 32)
+        << "once for each pattern that does not fit";
+}
+
+TEST(InScenes, PatternMattesOfNoPatternAreEverywhere)
+{
+    const Messages messages;
+    expectWall(wall(R"(shader "seen" "vhrPatternMatteColor_v1" ( "green" "^t(3|4)$" ))"), [](int k) {
+        return Rgba{1, k == 3 || k == 4 ? 1.0 : 0, 1, 1};
+    });
+}
+
 TEST(InScenes, LabelsGiveHues)
 {
     const auto seen =
