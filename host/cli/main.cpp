@@ -155,8 +155,7 @@ void run(const host::CommandLine& command)
     if (found == 0)
         host::message(host::Level::warning, "RC", "the scene has no render command: nothing was rendered");
     else if (rendered == 0 && command.render)
-        host::message(host::Level::warning, "RC",
-                      "no frame of the scene is among the wanted ones: nothing was rendered");
+        throw host::Error("no frame of the scene is among the wanted ones: nothing was rendered");
 }
 
 } // namespace

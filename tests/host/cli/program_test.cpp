@@ -335,11 +335,9 @@ TEST_F(Program, TheExtensionChoosesAFormatThatHoldsThePicture)
     EXPECT_FALSE(folder.holds("a.xyz"));
 }
 
-TEST_F(Program, FramesThatAreNotThereAreAWarning)
+TEST_F(Program, FramesThatAreNotThereAreAnError)
 {
-    const Outcome outcome = render(Scene(), {"-render", "3", "5"});
-    EXPECT_EQ(outcome.status, 0);
-    EXPECT_NE(outcome.messages.find("no frame"), std::string::npos) << outcome.messages;
+    expectError(render(Scene(), {"-render", "3", "5"}), {"no frame of the scene is among the wanted ones"});
 }
 
 TEST_F(Program, OneNameForSeveralFramesIsAWarning)
