@@ -171,11 +171,14 @@ TEST_F(Pages, ShowPicturesAndScenesThatThereAre)
 {
     EXPECT_EQ(page().find("pictures/"), std::string::npos);
     EXPECT_EQ(page().find("id=\"example\""), std::string::npos);
-    const std::string full =
-        page({{"vhAddColor_v2"}, {{"vhAddColor_v2", "# SPDX\n# Both <sums>.\n\nshader \"x\"\n"}}});
+    const std::string full = page(
+        {{"vhAddColor_v2"},
+         {{"vhAddColor_v2", {"# SPDX\n# Both <sums>.\n\nshader \"x\"\n", {"whole <scene>", {"a/b.png"}}}}}});
     EXPECT_NE(full.find("src=\"pictures/vhAddColor_v2.png\""), std::string::npos);
     EXPECT_NE(full.find("<figcaption>Both &lt;sums&gt;.</figcaption>"), std::string::npos);
     EXPECT_NE(full.find("href=\"#example\""), std::string::npos);
+    EXPECT_NE(full.find("<code id=\"whole\"><span class=\"k\">whole</span> &lt;"), std::string::npos);
+    EXPECT_NE(full.find("<a href=\"scenes/b.png\" download>b.png</a>"), std::string::npos);
 }
 
 TEST_F(Pages, SayWhatIsSaidOfAShader)
