@@ -264,14 +264,18 @@ static Html relatives(const Catalog& catalog, const Shader& shader)
 {
     Html all;
     std::set<const Shader*> shown = {&shader};
-    const auto add = [&](std::string_view title, Shaders shaders) {
+    const auto unseen = [&](Shaders shaders) {
         std::erase_if(shaders, [&](const Shader* other) { return !shown.insert(other).second; });
-        if (!shaders.empty())
-            all += html("<h3>{}</h3>\n{}", title, links(shaders));
+        return shaders;
     };
-    add("Other versions", catalog.versions(shader));
-    add("The same for other types", catalog.siblings(shader));
-    add("More of the group", catalog.groupOf(shader).shaders);
+    for (const auto& [title, shaders] : {std::pair("Other versions", catalog.versions(shader)),
+                                         std::pair("The same for other types", catalog.siblings(shader)),
+                                         std::pair("Goes with", catalog.companions(shader))})
+        if (const Shaders rest = unseen(shaders); !rest.empty())
+            all += html("<h3>{}</h3>\n{}", title, links(rest));
+    if (const Shaders rest = unseen(catalog.groupOf(shader).shaders); !rest.empty())
+        all += html("<details{}><summary>More of the group</summary>\n{}</details>\n",
+                    all.empty() ? html(" open") : Html(), links(rest));
     return all;
 }
 

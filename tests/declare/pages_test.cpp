@@ -110,6 +110,19 @@ TEST_F(Pages, CatalogKnowsRelatives)
     EXPECT_EQ(catalog.neighbour(shader, +1), catalog.find("vhAddColor_v1"));
 }
 
+TEST(Catalog, KnowsBothWaysWhatGoesTogether)
+{
+    const std::vector<VHL::Description> shaders = declare::shaders();
+    const Catalog catalog(shaders);
+    const auto companions = [&](std::string_view name) {
+        return names(catalog.companions(*catalog.find(name)));
+    };
+    EXPECT_EQ(companions("vhExpandColor_v2"), List{"vhCompressColor_v2"});
+    EXPECT_EQ(companions("vhCompressColor_v2"), List{"vhExpandColor_v2"});
+    EXPECT_EQ(companions("vhSwitchMatte_v1"), (List{"vhSwitchColor_v4", "vhIsObject_v1"}));
+    EXPECT_EQ(companions("vhAddColor_v2"), List());
+}
+
 TEST(Catalog, TakesEveryShaderOfTheLibraryAndShowsOneOfEachGroup)
 {
     const std::vector<VHL::Description> shaders = declare::shaders();
