@@ -67,6 +67,24 @@ static const Rule rules[] = {
 };
 // clang-format on
 
+/// Shaders whose readers want to know of each other, though neither names nor groups tell.
+static const std::initializer_list<std::string_view> companies[] = {
+    {"vhCompressScalar_v1", "vhExpandScalar_v1"},
+    {"vhCompressVector_v1", "vhExpandVector_v1"},
+    {"vhCompressColor_v2", "vhExpandColor_v2"},
+    {"vhMatteMult_v1", "vhMatteDiv_v1"},
+    {"vhScalars2Color_v1", "vhColor2Scalars_v1"},
+    {"vhScalars2Vector_v1", "vhVector2Scalars_v1"},
+    {"vhSelectColor_v1", "vhSwitchColor_v1", "vhSwitchColor_v4"},
+    {"vhSelectScalar_v1", "vhSwitchScalar_v1"},
+    {"vhSwitchColor_v4", "vhSwitchMatte_v1"},
+    {"vhIsObject_v1", "vhSwitchMatte_v1"},
+    {"vhStateInstance_v1", "vhIsObject_v1", "vhSwitchColor_v4"},
+    {"vhSetAlpha_v1", "vhSetOpacity_v1"},
+    {"vhLensPanoramic_v1", "vhEnvironmentPanoramic_v1"},
+    {"vhParticleLight_v1", "vhGeomSetAreaLightType_v1"},
+};
+
 static bool contains(std::initializer_list<std::string_view> list, std::string_view word)
 {
     return std::ranges::find(list, word) != list.end();
@@ -158,6 +176,17 @@ Shaders Catalog::siblings(const Shader& shader) const
         if (const NameParts its = partsOf(other->name);
             its.operation == parts.operation && its.stem != parts.stem)
             found.push_back(other);
+    return found;
+}
+
+Shaders Catalog::companions(const Shader& shader) const
+{
+    Shaders found;
+    for (const auto& company : companies)
+        if (contains(company, shader.name))
+            for (const std::string_view name : company)
+                if (const Shader* const other = find(name); other && other != &shader)
+                    found.push_back(other);
     return found;
 }
 

@@ -48,6 +48,9 @@ public:
     /// The same operation for other kinds of value.
     Shaders siblings(const Shader& shader) const;
 
+    /// What undoes it, or is used together with it or in its place.
+    Shaders companions(const Shader& shader) const;
+
     /// Shaders that no group takes.
     const Shaders& strays() const { return outside; }
 

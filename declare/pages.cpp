@@ -216,23 +216,38 @@ static Html result(const Catalog& catalog, const Shader& shader)
     return all;
 }
 
-/// Scene text under a bar with its name and a button, which the script shows where it can copy.
-static Html copyable(const Catalog& catalog, const Shader& shader, const Html& title, std::string_view text)
+/// Text under a bar with its name and a button, which the script shows where it can copy: what has the id
+/// given, or without one the text.
+static Html copyable(const Html& title, const Html& code, std::string_view copied)
 {
-    return html(R"(<div class="copyable"><div>{}<button type="button" hidden>Copy</button></div>
+    return html(
+        R"(<div class="copyable"><div>{}<button type="button" data-copied="{}" hidden>Copy</button></div>
 <pre tabindex="0"><code>{}</code></pre></div>
 )",
-                title, scene(catalog, &shader, text));
+        title, copied, code);
 }
 
+/// The scene as it was written, which tells the most, and what is copied: the same with all that it includes.
 static Html example(const Catalog& catalog, const Exhibits& exhibits, const Shader& shader)
 {
     const auto found = exhibits.scenes.find(shader.name);
     if (found == exhibits.scenes.end())
         return {};
+    const auto& [text, whole] = found->second;
     const Html file = html("{}.mi", shader.name);
-    return html("<p>Rendered in this page's folder by <code>vhrender scenes/{}</code></p>\n{}", file,
-                copyable(catalog, shader, html(R"(<a href="scenes/{}">{}</a>)", file, file), found->second));
+    const Html link = html(R"(<a href="scenes/{}">{}</a>)", file, file);
+    Html textures;
+    for (const std::filesystem::path& texture : whole.textures)
+        textures += html(R"({}<a href="scenes/{}" download>{}</a>)", textures.empty() ? "" : ", ",
+                         texture.filename().string(), texture.filename().string());
+    return html(
+        R"(<p>Rendered in this page's folder by <code>vhrender scenes/{}</code>. Copying takes the whole
+scene, with what it includes of other files; it renders {}.</p>
+{}<details><summary>The whole scene</summary>
+<pre tabindex="0"><code id="whole">{}</code></pre></details>
+)",
+        file, textures.empty() ? Html("anywhere") : html("where {} lies beside it", textures),
+        copyable(link, scene(catalog, &shader, text), "whole"), scene(catalog, &shader, whole.text));
 }
 
 static Html figure(const Catalog& catalog, const Exhibits& exhibits, const Shader& shader)
@@ -241,7 +256,7 @@ static Html figure(const Catalog& catalog, const Exhibits& exhibits, const Shade
     if (shown.empty())
         return {};
     const auto scene = exhibits.scenes.find(shader.name);
-    const std::string caption = scene == exhibits.scenes.end() ? "" : captionOf(scene->second);
+    const std::string caption = scene == exhibits.scenes.end() ? "" : captionOf(scene->second.text);
     return html("<figure>{}<figcaption>{}</figcaption></figure>\n", shown, line(catalog, shader, caption));
 }
 
@@ -249,14 +264,18 @@ static Html relatives(const Catalog& catalog, const Shader& shader)
 {
     Html all;
     std::set<const Shader*> shown = {&shader};
-    const auto add = [&](std::string_view title, Shaders shaders) {
+    const auto unseen = [&](Shaders shaders) {
         std::erase_if(shaders, [&](const Shader* other) { return !shown.insert(other).second; });
-        if (!shaders.empty())
-            all += html("<h3>{}</h3>\n{}", title, links(shaders));
+        return shaders;
     };
-    add("Other versions", catalog.versions(shader));
-    add("The same for other types", catalog.siblings(shader));
-    add("More of the group", catalog.groupOf(shader).shaders);
+    for (const auto& [title, shaders] : {std::pair("Other versions", catalog.versions(shader)),
+                                         std::pair("The same for other types", catalog.siblings(shader)),
+                                         std::pair("Goes with", catalog.companions(shader))})
+        if (const Shaders rest = unseen(shaders); !rest.empty())
+            all += html("<h3>{}</h3>\n{}", title, links(rest));
+    if (const Shaders rest = unseen(catalog.groupOf(shader).shaders); !rest.empty())
+        all += html("<details{}><summary>More of the group</summary>\n{}</details>\n",
+                    all.empty() ? html(" open") : Html(), links(rest));
     return all;
 }
 
@@ -276,7 +295,7 @@ static std::vector<Section> sections(const Catalog& catalog, const Exhibits& exh
         {"notes", "Notes", blocks(catalog, shader, shader.about.notes)},
         {"example", "Example", example(catalog, exhibits, shader)},
         {"declaration", "Declaration",
-         copyable(catalog, shader, html("<span>vhl.mi</span>"), declaration(shader))},
+         copyable(html("<span>vhl.mi</span>"), scene(catalog, &shader, declaration(shader)), "")},
         {"related", "See also", relatives(catalog, shader)},
     };
     std::erase_if(all, [](const Section& section) { return section.content.empty(); });

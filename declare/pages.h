@@ -3,6 +3,7 @@
 #pragma once
 
 #include "declare/catalog.h"
+#include "declare/scene.h"
 
 #include <filesystem>
 #include <map>
@@ -11,10 +12,16 @@
 
 namespace declare {
 
+/// A scene as it was written, and as it is handed out.
+struct Example {
+    std::string text;
+    WholeScene whole{};
+};
+
 /// What is shown besides the descriptions, by shader.
 struct Exhibits {
     std::set<std::string, std::less<>> pictures;
-    std::map<std::string, std::string, std::less<>> scenes; ///< their text
+    std::map<std::string, Example, std::less<>> scenes;
 };
 
 std::string startPage(const Catalog& catalog, const Exhibits& exhibits);

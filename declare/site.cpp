@@ -15,7 +15,7 @@ static Exhibits exhibits(const Catalog& catalog, const fs::path& pictures, const
         if (fs::exists(pictures / (name + ".png")))
             found.pictures.insert(name);
         if (const fs::path scene = scenes / (name + ".mi"); fs::exists(scene))
-            found.scenes[name] = readFile(scene);
+            found.scenes[name] = {readFile(scene), wholeScene(scene)};
     }
     return found;
 }
@@ -32,10 +32,14 @@ void writePages(const Catalog& catalog, const fs::path& folder, const fs::path& 
 
     // Written anew, so that no page outlives its shader.
     fs::remove_all(folder);
-    fs::create_directories(folder / "pictures");
+    for (const char* const inside : {"pictures", "scenes"})
+        fs::create_directories(folder / inside);
     fs::copy(source / "declare/site", folder / "assets", fs::copy_options::recursive);
-    if (fs::exists(scenes)) // with the stage that they share
-        fs::copy(scenes, folder / "scenes", fs::copy_options::recursive);
+    for (const auto& [name, example] : shown.scenes) {
+        writeFile(folder / "scenes" / (name + ".mi"), example.whole.text);
+        for (const fs::path& texture : example.whole.textures)
+            fs::copy_file(texture, folder / "scenes" / texture.filename(), fs::copy_options::skip_existing);
+    }
     for (const std::string& name : shown.pictures)
         fs::copy_file(pictures / (name + ".png"), folder / "pictures" / (name + ".png"));
     writeFile(folder / "assets/index.js", searchIndex(catalog));

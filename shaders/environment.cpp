@@ -46,9 +46,10 @@ private:
 
 VHL_EXPORT_SHADER(
     vhEnvironmentPanoramic_v1, vhEnvironmentPanoramic,
-    "The colour that a panoramic image has in the direction of the ray. No colour, and no success, "
-    "without an image and for the zero direction. Behind the camera a fisheye gives the colour of the "
-    "image's lower left corner.",
+    "The colour that a panoramic image has in the direction of the ray. No colour, and no success, without "
+    "an image and for the zero direction. Directions are those of the world, so the surroundings stay "
+    "where they are when the camera turns. A fisheye has the half towards the world's -z alone, and gives "
+    "the colour of the image's lower left corner in the other, wherever the camera looks.",
     .apply = "environment",
     .order = "mapping once, when the shader is made ready. For each ray texture once, then, with a texture "
              "and a direction, one look-up in it.",

@@ -124,6 +124,13 @@ VHL_EXPORT_SHADER(
              "areaType 0, where a light was found, objectSource. Nothing later.",
     .edges = "Any other areaType: nothing is done or said. No light, or something else than a light's "
              "instance, and for areaType 0 no instance as objectSource: the light stays as it is.",
-    .messages = "Info: what the light becomes and its numbers of samples, or why nothing is done, each "
-                "beginning with vhGeomSetAreaLightType_v1::init.",
+    .messages =
+        "Info, each after \"vhGeomSetAreaLightType_v1::init - \": \"setting area light type to Object\" or "
+        "\"setting area light type to User\", and \"setting area light Sampling to 3 3\" with samplesU and "
+        "samplesV. Why nothing is done: without areaLight \"no light specified through areaLight "
+        "parameter. Doing nothing\"; for something else than an instance \"object connected to areaLight "
+        "parameter is not an instance of a light. Doing nothing 1\", for an instance of something else the "
+        "same with 2 at its end; for areaType 0, after the two first lines, \"object connected to "
+        "objectSource parameter is null. Doing nothing 2\" or \"object connected to objectSource parameter "
+        "is not an instance. Doing nothing 2\".",
     .notes = notes)

@@ -63,10 +63,10 @@ struct vhMixColor_v2 final : VHL::dMentalRayShader<miColor, _vhMixColor_v2Params
 };
 
 static constexpr const char* order =
-    "input1, input2, then weight, each once: also the input that has no weight.";
+    "input1, input2, then weight, each once: also the input that counts for nothing.";
 static constexpr const char* colorOrder =
     "input1, input2, useAlpha1 and useAlpha2; alpha1 only while useAlpha1 is off, and alpha2 only while "
-    "useAlpha2 is off; weight last. Each once, also the input that has no weight.";
+    "useAlpha2 is off; weight last. Each once, also the input that counts for nothing.";
 static constexpr const char* edges =
     "A weight below 0, minus infinity too, is 0, one above 100 is 100, and NaN gives NaN. The input that has "
     "no weight counts still: an infinity or NaN there gives NaN.";

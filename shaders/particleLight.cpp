@@ -153,6 +153,9 @@ VHL_EXPORT_SHADER(
     .edges = "At the place of a particle itself the light has no direction and arrives in full, halved by "
              "falloff 0, and not at all by one below 0. Where the cosine is a NaN nothing is lit. lightCount "
              "0, and empty arrays, give no light.",
-    .messages = "Info, when the shader is made ready: lightCount and a line for each particle, its position "
-                "and its colour times alpha.",
+    .messages =
+        "Info, when the shader is made ready: \"vhParticleLight - init data begin\", \"vhParticleLight - "
+        "lights :  -1\" with lightCount, for each particle \"vhParticleLight - light   0 : \" and \"pos "
+        "0.000 1.000 -2.500 : color 1.000 0.500 0.000\", a message each, the colour times alpha, and "
+        "\"vhParticleLight - init data end\".",
     .notes = notes)

@@ -44,9 +44,10 @@ struct Listing;
 template <>
 struct Listing<miColor> {
     static constexpr const char* messages =
-        "Info, when the shader is made ready: \" switchColor name / value pairs - begin\", a line \" "
-        "switchColor pair ...\" for each, and \" switchColor name / value pairs - end\". Warning in their "
-        "place, for arrays of different lengths.";
+        "Info, when the shader is made ready: \" switchColor name / value pairs - begin\", for each pair its "
+        "position, name and colour, as \" switchColor pair 0 : ball / 1.000 0.500 0.000 1.000\", and \" "
+        "switchColor name / value pairs - end\". In their place, for arrays of different lengths, a warning: "
+        "\" switchColor - length of name and value arrays do not match.\"";
     static void mismatch() { mi_warning(" switchColor - length of name and value arrays do not match.\n"); }
     static void begin() { mi_info(" switchColor name / value pairs - begin\n"); }
     static void pair(int position, const std::string& name, const dColor& value)
@@ -60,9 +61,11 @@ struct Listing<miColor> {
 template <>
 struct Listing<miScalar> {
     static constexpr const char* messages =
-        "Info, when the shader is made ready: \" switchScalar name / value pairs - begin\", a line \" "
-        "switchColor pair ...\" for each, and \" switchScalar name / value pairs - end\". Warning in their "
-        "place, for arrays of different lengths.";
+        "Info, when the shader is made ready: \" switchScalar name / value pairs - begin\", for each pair "
+        "its position, name and value, as \" switchColor pair 0 : ball / 0.500\", which begins as the "
+        "pairs of vhSwitchColor_v1 do, and \" switchScalar name / value pairs - end\". In their place, for "
+        "arrays of different lengths, a warning: \" switchScalar - length of name and value arrays do not "
+        "match.\"";
     static void mismatch() { mi_warning(" switchScalar - length of name and value arrays do not match.\n"); }
     static void begin() { mi_info(" switchScalar name / value pairs - begin\n"); }
     static void pair(int position, const std::string& name, float value)

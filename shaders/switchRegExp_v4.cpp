@@ -158,9 +158,12 @@ static constexpr const char* notes =
 `mybox`, but not `Box01`. Where a name has capital letters, write `?` for each: `?ox*` finds `Box01`.
 
 `*` stands for any text and `?` for any one character. Everything else is a regular expression (Boost, Perl
-syntax): `.` is any character as well, so write `\.` for a dot; `+`, `{0,1}`, `[a-f]`, `(left|right)`, `^`
-and `$` work; `*` and `?` are never repetitions. Escapes are brought to lower case too: `\D` becomes `\d`, a
-digit.
+syntax): `.` is any character as well, and `\.` a dot; `+`, `{0,1}`, `[a-f]`, `(left|right)`, `^` and `$`
+work; `*` and `?` are never repetitions. Escapes are brought to lower case too: `\D` becomes `\d`, a digit.
+
+In the strings of a scene a backslash begins an escape, so each that the expression has is written twice:
+`"v1\\.2"` is the expression `v1\.2`, which finds `v1.2` and not `v1x2`. vhrender takes a single one before a
+dot as it is; the renderer need not.
 
 The search is not anchored: a pattern also matches every longer name that contains what it describes, so
 `box` finds `mailbox2`, and `*` before or after a pattern changes nothing. To say where the name begins and
@@ -213,7 +216,11 @@ VHL_EXPORT_SHADER(
              "surplus is ignored. A pattern that is no regular expression stops the rendering; a search that "
              "is given up counts as no match.",
     .messages =
-        "Info: the patterns, when the shader is made ready; at an instance's first sample the pattern that "
-        "it matched; at the end how many samples and instances there were. Warning: an instance that no "
-        "pattern matches; arrays of different lengths, in place of the list of patterns.",
+        "Info, when the shader is made ready: \"vhSwitchColor_v4 pattern / value pairs - begin\", for each "
+        "pattern \"vhSwitchColor_v4 pattern 0 : ^box\", and \"vhSwitchColor_v4 pattern / value pairs - "
+        "end\"; in their place, for arrays of different lengths, a warning: \"vhSwitchColor_v4 - length of "
+        "pattern and value arrays do not match.\" At an instance's first sample, info: \"vhSwitchColor_v4 "
+        "- matched object box01 to pattern ^box\"; where no pattern matches, a warning: \"vhSwitchColor_v4 "
+        "- object ball not matched to a pattern. Using default color\". At the end, info: "
+        "\"vhSwitchColor_v4 - evaluated 4096 times, 2 matches\".",
     .notes = notes)

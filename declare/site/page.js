@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// Buttons that copy the text below them, and the list of groups where the reader is.
+// Buttons that copy the text below them, or the whole scene, and the list of groups where the reader is.
 'use strict';
 
 (() => {
   // Where a browser keeps the clipboard from pages on a disk, the old way through the selection is open.
   const copySelected = element => {
+    element.closest('details')?.setAttribute('open', ''); // what is folded cannot be selected
     getSelection().selectAllChildren(element);
     return document.execCommand('copy') ? Promise.resolve() : Promise.reject();
   };
@@ -18,7 +19,8 @@
       setTimeout(() => { button.textContent = 'Copy'; }, 2000);
     };
     button.setAttribute('aria-live', 'polite');
-    const code = button.closest('.copyable').querySelector('code');
+    const code =
+      document.getElementById(button.dataset.copied) ?? button.closest('.copyable').querySelector('code');
     button.addEventListener('click', () => copy(code).then(() => say('Copied'), () => say('Not copied')));
     button.hidden = false;
   }

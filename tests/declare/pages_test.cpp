@@ -110,6 +110,19 @@ TEST_F(Pages, CatalogKnowsRelatives)
     EXPECT_EQ(catalog.neighbour(shader, +1), catalog.find("vhAddColor_v1"));
 }
 
+TEST(Catalog, KnowsBothWaysWhatGoesTogether)
+{
+    const std::vector<VHL::Description> shaders = declare::shaders();
+    const Catalog catalog(shaders);
+    const auto companions = [&](std::string_view name) {
+        return names(catalog.companions(*catalog.find(name)));
+    };
+    EXPECT_EQ(companions("vhExpandColor_v2"), List{"vhCompressColor_v2"});
+    EXPECT_EQ(companions("vhCompressColor_v2"), List{"vhExpandColor_v2"});
+    EXPECT_EQ(companions("vhSwitchMatte_v1"), (List{"vhSwitchColor_v4", "vhIsObject_v1"}));
+    EXPECT_EQ(companions("vhAddColor_v2"), List());
+}
+
 TEST(Catalog, TakesEveryShaderOfTheLibraryAndShowsOneOfEachGroup)
 {
     const std::vector<VHL::Description> shaders = declare::shaders();
@@ -171,11 +184,14 @@ TEST_F(Pages, ShowPicturesAndScenesThatThereAre)
 {
     EXPECT_EQ(page().find("pictures/"), std::string::npos);
     EXPECT_EQ(page().find("id=\"example\""), std::string::npos);
-    const std::string full =
-        page({{"vhAddColor_v2"}, {{"vhAddColor_v2", "# SPDX\n# Both <sums>.\n\nshader \"x\"\n"}}});
+    const std::string full = page(
+        {{"vhAddColor_v2"},
+         {{"vhAddColor_v2", {"# SPDX\n# Both <sums>.\n\nshader \"x\"\n", {"whole <scene>", {"a/b.png"}}}}}});
     EXPECT_NE(full.find("src=\"pictures/vhAddColor_v2.png\""), std::string::npos);
     EXPECT_NE(full.find("<figcaption>Both &lt;sums&gt;.</figcaption>"), std::string::npos);
     EXPECT_NE(full.find("href=\"#example\""), std::string::npos);
+    EXPECT_NE(full.find("<code id=\"whole\"><span class=\"k\">whole</span> &lt;"), std::string::npos);
+    EXPECT_NE(full.find("<a href=\"scenes/b.png\" download>b.png</a>"), std::string::npos);
 }
 
 TEST_F(Pages, SayWhatIsSaidOfAShader)

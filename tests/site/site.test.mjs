@@ -1,18 +1,20 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // The reference pages as a reader has them: opened from the disk, in a browser.
 import assert from 'node:assert/strict';
-import { existsSync, readFileSync, readdirSync } from 'node:fs';
+import { execFileSync } from 'node:child_process';
+import { copyFileSync, existsSync, mkdtempSync, readFileSync, readdirSync, rmSync, writeFileSync } from 'node:fs';
 import { createRequire } from 'node:module';
+import { tmpdir } from 'node:os';
 import { join } from 'node:path';
 import { after, test } from 'node:test';
 import { fileURLToPath, pathToFileURL } from 'node:url';
 import { readDeclarations } from './declarations.mjs';
 
-const { SITE: site, DECLARATIONS: declarations, MODULES: modules, CHROMIUM: executablePath } = process.env;
+const { SITE: site, SOURCE: source, MODULES: modules, CHROMIUM: executablePath, VHRENDER: vhrender } = process.env;
 const { chromium } = createRequire(join(modules, 'package.json'))('playwright-core');
 const urlOf = page => pathToFileURL(join(site, page)).href;
 const files = readdirSync(site).filter(name => name.endsWith('.html'));
-const shaders = readDeclarations(declarations);
+const shaders = readDeclarations(join(source, 'declarations/vhl.mi'));
 
 const browser = await chromium.launch({ executablePath, args: ['--disable-gpu'] });
 after(() => browser.close());
@@ -62,6 +64,7 @@ const survey = () => {
     parameters: all('.parameters tbody tr', words),
     members: all('.members tbody tr', words),
     code: all('.copyable code', code => code.textContent),
+    whole: document.getElementById('whole')?.textContent,
     sections: all('.contents a', link => link.textContent),
   };
 };
@@ -95,7 +98,8 @@ test('a shader page shows its declaration, version and result, and its scene as 
     const page = surveys.get(`${name}.html`);
     assert.ok(page.code.at(-1).trimEnd().endsWith(text), name);
     assert.match(page.text, new RegExp(`\\b${result}\\s+version ${version}\\n`), name);
-    assert.equal(page.code[0], readFileSync(join(site, 'scenes', `${name}.mi`), 'utf8'));
+    assert.equal(page.code[0], readFileSync(join(source, 'examples/shaders', `${name}.mi`), 'utf8'));
+    assert.equal(page.whole, readFileSync(join(site, 'scenes', `${name}.mi`), 'utf8'));
   }
 });
 
@@ -275,17 +279,38 @@ test('the first Tab offers to skip, and the focus is seen', () => open('vhAddCol
   assert.equal(await page.evaluate(() => document.activeElement.id), 'content');
 }));
 
-test('scenes and declarations can be copied', () => open('vhSwitchColor_v4.html', async page => {
-  const buttons = page.locator('.copyable button');
-  const count = await buttons.count();
-  assert.ok(count >= 1);
-  for (let i = 0; i < count; ++i) {
-    await buttons.nth(i).click();
-    await buttons.nth(i).filter({ hasText: 'Copied' }).waitFor();
-    const copied = await page.evaluate(() => navigator.clipboard.readText());
-    assert.equal(copied, (await page.locator('.copyable code').allTextContents())[i]);
-  }
-}, { permissions: ['clipboard-read', 'clipboard-write'] }));
+const mayCopy = { permissions: ['clipboard-read', 'clipboard-write'] };
+const copy = async (page, index) => {
+  const button = page.locator('.copyable button').nth(index);
+  await button.click();
+  await button.filter({ hasText: 'Copied' }).waitFor();
+  return page.evaluate(() => navigator.clipboard.readText());
+};
+
+test('whole scenes and declarations can be copied', () => open('vhSwitchColor_v4.html', async page => {
+  assert.equal(await page.locator('.copyable button').count(), 2);
+  assert.equal(await copy(page, 0), surveys.get('vhSwitchColor_v4.html').whole);
+  assert.equal(await copy(page, 1), surveys.get('vhSwitchColor_v4.html').code[1]);
+}, mayCopy));
+
+test('what is copied renders in an empty folder, beside the pictures that the page hands out', async () => {
+  for (const [name, textures] of [['vhSwitchColor_v4', []], ['vhMixerVector4_v1', ['still-life.png']]])
+    await open(`${name}.html`, async page => {
+      const folder = mkdtempSync(join(tmpdir(), 'vhl-copied-'));
+      try {
+        const offered = page.locator('a[download]');
+        assert.deepEqual(await offered.allTextContents(), textures);
+        for (const link of await offered.all())
+          copyFileSync(fileURLToPath(await link.evaluate(it => it.href)), join(folder, await link.textContent()));
+        writeFileSync(join(folder, 'copied.mi'), await copy(page, 0));
+        const options = { cwd: folder, encoding: 'utf8', stdio: 'pipe' };
+        assert.equal(execFileSync('sh', ['-c', '"$0" copied.mi 2>&1', vhrender], options), '');
+        assert.ok(existsSync(join(folder, `${name}.png`)));
+      } finally {
+        rmSync(folder, { recursive: true });
+      }
+    }, mayCopy);
+});
 
 test('the theme is the system\'s, until a switch that is remembered', () => open('index.html', async page => {
   const paper = () => page.evaluate(() => getComputedStyle(document.body).backgroundColor);
