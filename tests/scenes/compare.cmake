@@ -6,12 +6,7 @@
 # sample here and there. So up to 1 % of the pixels may differ by more than 4 of 255 levels, while a wrong colour,
 # which covers a surface, exceeds both.
 
-function(run)
-    execute_process(COMMAND ${ARGN} RESULT_VARIABLE status)
-    if(NOT status EQUAL 0)
-        message(FATAL_ERROR "status ${status}: ${ARGN}")
-    endif()
-endfunction()
+include(${CMAKE_CURRENT_LIST_DIR}/run.cmake)
 
 file(MAKE_DIRECTORY ${FOLDER})
 get_filename_component(textures ${SCENE} DIRECTORY)
