@@ -201,20 +201,24 @@ const TextureImage* Textures::loadNow(miTag tag) const
     if (!texture ||
         !texture->procedural.empty()) // the shaders of one that nothing names are not in the network
         return nullptr;
-    const std::lock_guard lock(lock_);
-    if (failed_.contains(tag))
-        return nullptr;
-    if (const TextureImage* const image = images_[tag].load(std::memory_order_relaxed))
-        return image;
-    try {
-        const TextureImage* const image = loaded_.emplace_back(files_.open(*texture, paths_)).get();
-        images_[tag].store(image, std::memory_order_release);
-        return image;
-    } catch (const Error& error) {
-        failed_.insert(tag);
-        message(Level::error, "IMG", error.what());
-        return nullptr;
+    std::string failure;
+    {
+        const std::lock_guard lock(lock_);
+        if (const TextureImage* const image = images_[tag].load(std::memory_order_relaxed))
+            return image;
+        if (failed_.contains(tag))
+            return nullptr;
+        try {
+            const TextureImage* const image = loaded_.emplace_back(files_.open(*texture, paths_)).get();
+            images_[tag].store(image, std::memory_order_release);
+            return image;
+        } catch (const Error& error) {
+            failed_.insert(tag);
+            failure = error.what();
+        }
     }
+    message(Level::error, "IMG", failure);
+    return nullptr;
 }
 
 } // namespace host

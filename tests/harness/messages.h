@@ -2,13 +2,13 @@
 // Catching the host's messages.
 #pragma once
 
-#include <mutex>
 #include <string>
 #include <vector>
 
 namespace test {
 
 /// Takes every message while it lives, at the verbosity given (7: all classes), in place of the error stream.
+/// The threads that print have to be done before it is asked.
 class Messages {
 public:
     explicit Messages(int verbosity = 7);
@@ -24,7 +24,6 @@ public:
 
 private:
     int outerVerbosity_;
-    mutable std::mutex lock_;
     std::vector<std::string> lines_;
 };
 
