@@ -4,6 +4,8 @@
 #include "host/images/image_file.h"
 #include "host/report/message.h"
 
+#include <OpenImageIO/texture.h>
+
 #include <algorithm>
 #include <bit>
 #include <cmath>

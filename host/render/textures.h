@@ -6,7 +6,7 @@
 #include "host/scene/search.h"
 #include "host/shading/function.h"
 
-#include <OpenImageIO/texture.h>
+#include <OpenImageIO/oiioversion.h>
 
 #include <atomic>
 #include <memory>
@@ -14,6 +14,10 @@
 #include <set>
 #include <unordered_map>
 #include <vector>
+
+OIIO_NAMESPACE_BEGIN
+class TextureSystem; // its header takes as long to compile as all that include this one
+OIIO_NAMESPACE_END
 
 namespace host {
 

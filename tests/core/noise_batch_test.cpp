@@ -9,7 +9,6 @@
 #include <gtest/gtest.h>
 
 #include <functional>
-#include <thread>
 #include <vector>
 
 using VHL::dColor;
@@ -230,23 +229,6 @@ TEST_P(NoiseBatch, OfNoPointsTouchesNothing)
     cellular(nullptr, 1.0f, nullptr, 0);
     octaves(nullptr, 3, 2, 0.5f, 1, 1, nullptr, 0);
     octaves_abs(nullptr, 3, 2, 0.5f, 1, 1, nullptr, 0);
-}
-
-TEST_P(NoiseBatch, IsSafeFromAnyThread)
-{
-    const auto at = from<dVector, 3>(Coordinate(41), 20'000);
-    std::vector<dScalar> results[3];
-    std::vector<std::thread> threads;
-    for (std::vector<dScalar>& result : results)
-        threads.emplace_back([&] {
-            result.assign(at.size(), 0.0f);
-            VHLNoise::inoise(at.data(), result.data(), at.size());
-        });
-    for (std::thread& thread : threads)
-        thread.join();
-    for (std::size_t i = 0; i < at.size(); ++i)
-        for (const std::vector<dScalar>& result : results)
-            ASSERT_EQ(Exactly{result[i]}, Exactly{VHLNoise::inoise(at[i])}) << text(at[i]);
 }
 
 INSTANTIATE_TEST_SUITE_P(Sets, NoiseBatch, testing::ValuesIn(sets),

@@ -8,7 +8,6 @@
 
 #include <cstring>
 #include <string>
-#include <thread>
 #include <vector>
 
 using VHL::dColor;
@@ -376,30 +375,6 @@ TEST_F(Noise, OneOctaveIsTheNoiseAndNoneIsZero)
     for (const int count : {0, -1, -1000}) {
         EXPECT_EQ(Exactly{octaves(p, count, 2.0f, 0.5f, 1.0f, 1.0f)}, Exactly{0.0f});
         EXPECT_EQ(Exactly{octaves_abs(p, count, 2.0f, 0.5f, 1.0f, 1.0f)}, Exactly{0.0f});
-    }
-}
-
-TEST_F(Noise, IsSafeFromAnyThread)
-{
-    std::vector<float> expected, results[4];
-    const auto evaluate = [](std::vector<float>& values) {
-        Coordinate coordinate(12);
-        for (int i = 0; i < 20'000; ++i) {
-            const auto p = coordinate.point<4>();
-            values.push_back(VHLNoise::inoise(color(p)));
-            values.push_back(cellular(dVector(p[0], p[1], p[2]), 1.0f)[0]);
-        }
-    };
-    std::vector<std::thread> threads;
-    for (std::vector<float>& result : results)
-        threads.emplace_back(evaluate, std::ref(result));
-    for (std::thread& thread : threads)
-        thread.join();
-    evaluate(expected);
-    for (const std::vector<float>& result : results) {
-        ASSERT_EQ(result.size(), expected.size());
-        for (std::size_t i = 0; i < expected.size(); ++i)
-            ASSERT_EQ(Exactly{result[i]}, Exactly{expected[i]});
     }
 }
 

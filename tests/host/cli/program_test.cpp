@@ -454,7 +454,8 @@ TEST_F(Program, ASceneCutOffAtEveryByte)
 {
     const std::string text = Scene().text();
     const std::size_t renderAt = text.find("render \"root\"");
-    for (std::size_t size = 0; size < text.size(); size += size + 97 < renderAt ? 97 : 1) {
+    for (std::size_t size = 0; size < text.size();
+         size += size < renderAt ? std::min<std::size_t>(397, renderAt - size) : 1) {
         // Every byte is cut at in one process by the reader's own tests; here the whole program, in steps.
         const Outcome outcome = render(text.substr(0, size));
         EXPECT_TRUE(outcome.status == 0 || outcome.status == 1) << size << ": " << outcome.messages;

@@ -397,7 +397,7 @@ TEST(Phenomenon, TheSameDeclarationAgainIsSilent)
         "1:15: shader \"p\" is declared differently at scene:5:26");
 }
 
-TEST(Phenomenon, NestingAndSizeAreLimited)
+TEST(Phenomenon, NestingIsLimited)
 {
     std::string text = shaders + "declare phenomenon color \"p0\" ( ) root \"leaf\" ( ) end declare\n";
     for (int i = 1; i < 66; ++i)
@@ -405,7 +405,11 @@ TEST(Phenomenon, NestingAndSizeAreLimited)
                 std::to_string(i - 1) + "\" ( ) end declare\n";
     EXPECT_NE(errorOf(text).find("phenomena are nested deeper than 64 levels"), std::string::npos)
         << errorOf(text);
-    text = shaders + "declare phenomenon color \"p0\" ( ) root \"leaf\" ( ) end declare\n";
+}
+
+TEST(Phenomenon, AllTogetherAreLimitedInSize)
+{
+    std::string text = shaders + "declare phenomenon color \"p0\" ( ) root \"leaf\" ( ) end declare\n";
     for (int i = 1; i < 40; ++i) {
         const std::string use = " \"p" + std::to_string(i - 1) + "\" ( )";
         text += "declare phenomenon color \"p" + std::to_string(i) + "\" ( ) root" + use + use + use + use +
