@@ -289,8 +289,8 @@ TEST(Motion, OfLightsIsToldToBeMissing)
 TEST(Motion, ThreadsDoNotChangeThePicture)
 {
     Moving scene;
-    scene.camera.record.x_resolution = 100;
-    scene.camera.record.y_resolution = 100;
+    scene.camera.record.x_resolution = 50;
+    scene.camera.record.y_resolution = 50;
     setMotion(scene.placed(scene.sheet()), moved(3, 1, -2));
     const host::Picture one = scene.render(1), many = scene.render(5);
     EXPECT_EQ(0, std::memcmp(one.colors.data(), many.colors.data(), one.colors.size() * sizeof(miColor)));
