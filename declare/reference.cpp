@@ -63,9 +63,9 @@ std::string referenceIndex(std::span<const VHL::Description> shaders)
 {
     std::string text =
         std::string("# Shaders\n\n") + written +
-        "\nThe same as pages for a browser, with pictures, scenes to copy and a search: "
-        "`cmake --build <build> --target reference`\nwrites them to `<build>/reference/index.html`; an "
-        "installation has them in `share/doc/vhl/reference`.\n"
+        "\nThe same and the [recipes](../recipes/README.md) as pages for a browser, with pictures, "
+        "scenes to copy and a\nsearch: `cmake --build <build> --target reference` writes them to "
+        "`<build>/reference/index.html`; an installation\nhas them in `share/doc/vhl/reference`.\n"
         "\n| shader | result | |\n|---|---|---|\n";
     for (const VHL::Description& shader : shaders)
         text += "| [`" + std::string(shader.name) + "`](" + std::string(shader.unit) + ".md) | " +
@@ -100,11 +100,11 @@ std::string recipeReference(const Recipe& recipe, std::string_view scene,
     if (!recipe.source.empty())
         text += "\nSource: " + recipe.source + ".\n";
     text += "\n## Network\n\n" + recipe.network + "\n\nMade of ";
-    for (const std::string& name : recipe.uses)
-        text += (&name == &recipe.uses.front()  ? ""
-                 : &name == &recipe.uses.back() ? " and "
-                                                : ", ") +
-                used(name, shaders);
+    for (const std::string& name : recipe.uses) {
+        if (&name != &recipe.uses.front())
+            text += &name == &recipe.uses.back() ? " and " : ", ";
+        text += used(name, shaders);
+    }
     const std::string file = recipe.name + ".mi";
     scene.remove_prefix(scene.starts_with("# SPDX") ? scene.find('\n') + 1 : 0);
     return text + ".\n\n## Edges\n\n" + recipe.edges + "\n\n## Use\n\n[" + file +
@@ -114,12 +114,10 @@ std::string recipeReference(const Recipe& recipe, std::string_view scene,
 
 std::string recipeReferenceIndex(std::span<const RecipeGroup> groups)
 {
-    std::string text =
-        std::string("# Recipes\n\n") + writtenFromRecipes + '\n' + recipeIntroduction(groups) +
-        "\nWhat their names are made of is told [with those of shaders](../naming.md). The scenes are in "
-                       "[examples/recipes](../../examples/recipes).\nThe same as pages for a "
-        "browser, each with its whole scene to copy, are in the\n"
-        "[reference](../reference/README.md).\n";
+    std::string text = std::string("# Recipes\n\n") + writtenFromRecipes + '\n' + recipeIntroduction(groups) +
+                       "\nHow names are made: [names](../naming.md). The scenes are in "
+                       "[examples/recipes](../../examples/recipes); [the pages for a "
+                       "browser](../reference/README.md) have a search, and each scene whole in one file.\n";
     for (const RecipeGroup& group : groups) {
         text += "\n## " + group.title + "\n\n" + group.about +
                 "\n\n| | recipe | gives | what it is for |\n|---|---|---|---|\n";
@@ -131,10 +129,9 @@ std::string recipeReferenceIndex(std::span<const RecipeGroup> groups)
     return text +
            "\n## Adding one\n\nWrite it in `declarations/recipes.mi`, with the comments that its neighbours "
            "have, a scene of its name in `examples/recipes/`, and a test in `tests/recipes/` that restates "
-           "its "
-           "formula. `scripts/reference-pictures BUILD NAME` renders the picture, which wants looking at, "
-           "and "
-           "`cmake --build BUILD --target declarations` writes the pages; the tests tell what is missing.\n";
+           "its formula. `scripts/reference-pictures BUILD NAME` renders the picture, which wants looking "
+           "at, and `cmake --build BUILD --target declarations` writes the pages; the tests tell what is "
+           "missing.\n";
 }
 
 } // namespace declare
