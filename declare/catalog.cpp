@@ -123,8 +123,12 @@ NameParts partsOf(std::string_view name)
     return parts;
 }
 
-Catalog::Catalog(std::span<const Shader> shaders)
+Catalog::Catalog(std::span<const Shader> shaders, std::span<const RecipeGroup> recipes)
+    : recipeGroups_(recipes)
 {
+    for (const RecipeGroup& group : recipes)
+        for (const Recipe& recipe : group.recipes)
+            allRecipes.push_back(&recipe);
     for (const Rule& rule : rules)
         all.push_back({rule.name, rule.title, rule.about, rule.cover});
     for (const Shader& shader : shaders)
@@ -153,10 +157,36 @@ const Shader* Catalog::find(std::string_view name) const
     return place == places.end() ? nullptr : inOrder[place->second.index];
 }
 
+bool Catalog::knows(std::string_view name) const
+{
+    return find(name) || std::ranges::find(allRecipes, name, &Recipe::name) != allRecipes.end();
+}
+
+Recipes Catalog::users(std::string_view name) const
+{
+    Recipes found;
+    for (const Recipe* recipe : allRecipes)
+        if (std::ranges::find(recipe->uses, name) != recipe->uses.end())
+            found.push_back(recipe);
+    return found;
+}
+
+template <class T>
+static const T* stepped(const std::vector<const T*>& all, std::size_t index, int step)
+{
+    index += std::size_t(step); // wraps around below 0
+    return index < all.size() ? all[index] : nullptr;
+}
+
 const Shader* Catalog::neighbour(const Shader& shader, int step) const
 {
-    const std::size_t index = places.at(shader.name).index + std::size_t(step); // wraps around below 0
-    return index < inOrder.size() ? inOrder[index] : nullptr;
+    return stepped(inOrder, places.at(shader.name).index, step);
+}
+
+const Recipe* Catalog::neighbour(const Recipe& recipe, int step) const
+{
+    return stepped(allRecipes, std::size_t(std::ranges::find(allRecipes, &recipe) - allRecipes.begin()),
+                   step);
 }
 
 Shaders Catalog::versions(const Shader& shader) const

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// The shaders in order for readers: by what they are for, with their relatives.
+// The shaders in order for readers: by what they are for, with their relatives, and the recipes made of them.
 #pragma once
 
 #include "core/describe.h"
+#include "declare/recipes.h"
 
 #include <map>
 #include <span>
@@ -14,6 +15,7 @@ namespace declare {
 
 using Shader = VHL::Description;
 using Shaders = std::vector<const Shader*>;
+using Recipes = std::vector<const Recipe*>;
 
 /// Shaders for one purpose.
 struct Group {
@@ -34,15 +36,24 @@ NameParts partsOf(std::string_view name);
 /// The groups, and what stands beside what.
 class Catalog {
 public:
-    explicit Catalog(std::span<const Shader> shaders);
+    explicit Catalog(std::span<const Shader> shaders, std::span<const RecipeGroup> recipes = {});
 
     std::span<const Group> groups() const { return all; }
     const Shaders& shaders() const { return inOrder; }
     const Group& groupOf(const Shader& shader) const { return all[places.at(shader.name).group]; }
     const Shader* find(std::string_view name) const;
 
+    std::span<const RecipeGroup> recipeGroups() const { return recipeGroups_; }
+    const Recipes& recipes() const { return allRecipes; }
+    /// The recipes that have a shader or a recipe in their networks.
+    Recipes users(std::string_view name) const;
+
+    /// Whether a shader or a recipe, and so a page, has this name.
+    bool knows(std::string_view name) const;
+
     /// The shader so many places on, none beyond the ends.
     const Shader* neighbour(const Shader& shader, int step) const;
+    const Recipe* neighbour(const Recipe& recipe, int step) const;
     /// The same name with another version.
     Shaders versions(const Shader& shader) const;
     /// The same operation for other kinds of value.
@@ -61,6 +72,8 @@ private:
     std::vector<Group> all;
     Shaders inOrder, outside;
     std::map<std::string_view, Place> places;
+    std::span<const RecipeGroup> recipeGroups_;
+    Recipes allRecipes;
 };
 
 } // namespace declare

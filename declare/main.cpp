@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// Writes declarations/ and docs/reference/ below the directory given, or the pages of the reference.
+// Writes what is committed, declarations/vhl.mi, docs/reference/ and docs/recipes/, below the directory
+// given, or the pages of the reference. The recipes and the scenes are those of the source.
 #include "declare/catalog.h"
 #include "declare/files.h"
 #include "declare/pages.h"
+#include "declare/recipes.h"
 #include "declare/shaders.h"
 #include "declare/write.h"
 
@@ -11,16 +13,25 @@
 #include <exception>
 #include <string_view>
 
+using declare::readFile;
 using declare::writeFile;
 
+namespace fs = std::filesystem;
+
+/// A folder that is written anew, so that no page outlives its unit.
+static fs::path emptied(const fs::path& folder)
+{
+    fs::remove_all(folder);
+    return folder;
+}
+
 static void writeCommitted(const std::vector<VHL::Description>& shaders,
-                           const std::filesystem::path& directory)
+                           const std::vector<declare::RecipeGroup>& groups, const fs::path& directory,
+                           const fs::path& source)
 {
     writeFile(directory / "declarations/vhl.mi", declare::declarations(shaders));
 
-    // Written anew, so that no page outlives its unit.
-    const std::filesystem::path reference = directory / "docs/reference";
-    std::filesystem::remove_all(reference);
+    const fs::path reference = emptied(directory / "docs/reference");
     writeFile(reference / "README.md", declare::referenceIndex(shaders));
     for (auto first = shaders.begin(); first != shaders.end();) {
         const auto last = std::find_if(first, shaders.end(),
@@ -28,6 +39,14 @@ static void writeCommitted(const std::vector<VHL::Description>& shaders,
         writeFile(reference / (std::string(first->unit) + ".md"), declare::referencePage({first, last}));
         first = last;
     }
+
+    const fs::path recipes = emptied(directory / "docs/recipes");
+    writeFile(recipes / "README.md", declare::recipeReferenceIndex(groups));
+    for (const declare::RecipeGroup& group : groups)
+        for (const declare::Recipe& recipe : group.recipes)
+            writeFile(recipes / (recipe.name + ".md"),
+                      declare::recipeReference(
+                          recipe, readFile(source / "examples/recipes" / (recipe.name + ".mi")), shaders));
 }
 
 /// The shaders, unless something is wrong with one: then that is told.
@@ -44,17 +63,20 @@ static std::vector<VHL::Description> faultless()
 
 int main(int argc, char** argv)
 {
+    const bool forBrowsers = argc == 4 && argv[1] == std::string_view("--pages");
+    if (argc != 3 && !forBrowsers) {
+        std::fprintf(stderr, "usage: vhl_declare [--pages] DIRECTORY SOURCE\n");
+        return 2;
+    }
     try {
-        if (argc == 2)
-            writeCommitted(faultless(), argv[1]);
-        else if (argc == 4 && argv[1] == std::string_view("--pages")) {
-            const std::vector<VHL::Description> shaders = faultless();
-            declare::writePages(declare::Catalog(shaders), argv[2], argv[3]);
-        } else {
-            std::fprintf(stderr, "usage: vhl_declare DIRECTORY\n"
-                                 "       vhl_declare --pages DIRECTORY SOURCE\n");
-            return 2;
-        }
+        const fs::path directory = argv[argc - 2], source = argv[argc - 1];
+        const std::vector<VHL::Description> shaders = faultless();
+        const std::vector<declare::RecipeGroup> recipes =
+            declare::recipes(readFile(source / "declarations/recipes.mi"));
+        if (forBrowsers)
+            declare::writePages(declare::Catalog(shaders, recipes), directory, source);
+        else
+            writeCommitted(shaders, recipes, directory, source);
         return 0;
     } catch (const std::exception& error) {
         std::fprintf(stderr, "vhl_declare: %s\n", error.what());

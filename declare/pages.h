@@ -18,7 +18,7 @@ struct Example {
     WholeScene whole{};
 };
 
-/// What is shown besides the descriptions, by shader.
+/// What is shown besides the descriptions, by shader and recipe.
 struct Exhibits {
     std::set<std::string, std::less<>> pictures;
     std::map<std::string, Example, std::less<>> scenes;
@@ -27,6 +27,9 @@ struct Exhibits {
 std::string startPage(const Catalog& catalog, const Exhibits& exhibits);
 std::string groupPage(const Catalog& catalog, const Exhibits& exhibits, const Group& group);
 std::string shaderPage(const Catalog& catalog, const Exhibits& exhibits, const Shader& shader);
+std::string recipesPage(const Catalog& catalog, const Exhibits& exhibits);
+std::string recipePage(const Catalog& catalog, const Exhibits& exhibits, const RecipeGroup& group,
+                       const Recipe& recipe);
 
 /// What the pages search in, as a script, for pages that are opened from a disk may load nothing else.
 std::string searchIndex(const Catalog& catalog);

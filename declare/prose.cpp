@@ -45,33 +45,32 @@ Html breakable(std::string_view name)
     return all;
 }
 
-Html link(const Shader& shader)
+Html link(std::string_view name)
 {
-    return html(R"(<a href="{}.html"><code>{}</code></a>)", shader.name, breakable(shader.name));
+    return html(R"(<a href="{}.html"><code>{}</code></a>)", name, breakable(name));
 }
 
-static bool isParameter(const Shader& shader, std::string_view word, Names names)
+static bool isParameter(const Subject& subject, std::string_view word, Names names)
 {
     return (names == Names::all ||
             std::ranges::any_of(word, [](char c) { return isUpper(c) || isDigit(c); })) &&
-           std::ranges::any_of(shader.fields,
-                               [&](const VHL::Field& f) { return word == f.name.text.data(); });
+           std::ranges::find(subject.parameters, word, &Parameter::name) != subject.parameters.end();
 }
 
-static Html word(const Catalog& catalog, const Shader& shader, std::string_view text, Names names)
+static Html word(const Catalog& catalog, const Subject& subject, std::string_view text, Names names)
 {
-    const Shader* const named = catalog.find(text);
-    if (named && named != &shader)
-        return link(*named);
-    return named || isParameter(shader, text, names) ? html("<code>{}</code>", text) : Html(text);
+    const bool isSubject = text == subject.name;
+    if (catalog.knows(text) && !isSubject)
+        return link(text);
+    return isSubject || isParameter(subject, text, names) ? html("<code>{}</code>", text) : Html(text);
 }
 
-Html line(const Catalog& catalog, const Shader& shader, std::string_view text, Names names)
+Html line(const Catalog& catalog, const Subject& subject, std::string_view text, Names names)
 {
     Html all;
     while (!text.empty())
         if (isWordPart(text.front()))
-            all += word(catalog, shader, takeWhile(text, isWordPart), names);
+            all += word(catalog, subject, takeWhile(text, isWordPart), names);
         else if (const std::string_view mark = take(text, 1); mark == "`")
             all += html("<code>{}</code>", takeUntil(text, "`"));
         else
@@ -110,38 +109,38 @@ Html table(std::string_view kind, std::span<const Html> heads, const Html& rows)
                 kind, head, rows);
 }
 
-static std::vector<Html> cellLines(const Catalog& catalog, const Shader& shader, std::string_view row)
+static std::vector<Html> cellLines(const Catalog& catalog, const Subject& subject, std::string_view row)
 {
     std::vector<Html> all;
     for (const std::string& cell : cells(row))
-        all.push_back(line(catalog, shader, cell));
+        all.push_back(line(catalog, subject, cell));
     return all;
 }
 
-static Html tableOf(const Catalog& catalog, const Shader& shader, std::string_view text)
+static Html tableOf(const Catalog& catalog, const Subject& subject, std::string_view text)
 {
-    const std::vector<Html> heads = cellLines(catalog, shader, takeUntil(text, "\n"));
+    const std::vector<Html> heads = cellLines(catalog, subject, takeUntil(text, "\n"));
     takeUntil(text, "\n"); // the rule below the head
     Html rows;
     while (!text.empty()) {
         Html row;
-        for (const Html& cell : cellLines(catalog, shader, takeUntil(text, "\n")))
+        for (const Html& cell : cellLines(catalog, subject, takeUntil(text, "\n")))
             row += html("<td>{}</td>", cell);
         rows += html("<tr>{}</tr>\n", row);
     }
     return table("notes", heads, rows);
 }
 
-static Html list(const Catalog& catalog, const Shader& shader, std::string_view text)
+static Html list(const Catalog& catalog, const Subject& subject, std::string_view text)
 {
     Html items;
     takeUntil(text, "- ");
     while (!text.empty())
-        items += html("<li>{}</li>\n", line(catalog, shader, takeUntil(text, "\n- ")));
+        items += html("<li>{}</li>\n", line(catalog, subject, takeUntil(text, "\n- ")));
     return html("<ul>\n{}</ul>\n", items);
 }
 
-Html blocks(const Catalog& catalog, const Shader& shader, std::string_view markdown)
+Html blocks(const Catalog& catalog, const Subject& subject, std::string_view markdown)
 {
     Html all;
     while (!markdown.empty())
@@ -151,23 +150,22 @@ Html blocks(const Catalog& catalog, const Shader& shader, std::string_view markd
             takeUntil(markdown, "\n");
             all += html("<pre tabindex=\"0\"><code>{}</code></pre>\n", takeUntil(markdown, "\n```"));
         } else if (const std::string_view block = takeUntil(markdown, "\n\n"); block.starts_with('|'))
-            all += tableOf(catalog, shader, block);
+            all += tableOf(catalog, subject, block);
         else if (block.starts_with("- "))
-            all += list(catalog, shader, block);
+            all += list(catalog, subject, block);
         else
-            all += html("<p>{}</p>\n", line(catalog, shader, block));
+            all += html("<p>{}</p>\n", line(catalog, subject, block));
     return all;
 }
 
-static Html quoted(const Catalog& catalog, const Shader* shader, std::string_view content)
+static Html quoted(const Catalog& catalog, const Subject& subject, std::string_view content)
 {
-    const Shader* const named = catalog.find(content);
-    return html(R"(<span class="s">"{}"</span>)", named && named != shader
+    return html(R"(<span class="s">"{}"</span>)", catalog.knows(content) && content != subject.name
                                                       ? html(R"(<a href="{}.html">{}</a>)", content, content)
                                                       : Html(content));
 }
 
-Html scene(const Catalog& catalog, const Shader* shader, std::string_view text)
+Html scene(const Catalog& catalog, const Subject& subject, std::string_view text)
 {
     Html all;
     while (!text.empty())
@@ -177,7 +175,7 @@ Html scene(const Catalog& catalog, const Shader* shader, std::string_view text)
             const std::string_view word = takeWhile(text, [](char c) { return isWordPart(c) || c == '.'; });
             all += isDigit(word.front()) ? Html(word) : html(R"(<span class="k">{}</span>)", word);
         } else if (const std::string_view mark = take(text, 1); mark == "\"")
-            all += quoted(catalog, shader, takeUntil(text, "\""));
+            all += quoted(catalog, subject, takeUntil(text, "\""));
         else
             all += mark;
     return all;

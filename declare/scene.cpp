@@ -2,6 +2,7 @@
 #include "declare/scene.h"
 
 #include "declare/files.h"
+#include "declare/lines.h"
 
 #include <algorithm>
 #include <ranges>
@@ -11,36 +12,21 @@ namespace declare {
 
 namespace fs = std::filesystem;
 
-using Lines = std::vector<std::string>;
-
-static Lines linesOf(std::string_view text)
+/// What is pasted has its conditions decided: `set` are the names that have been set before.
+static void paste(WholeScene& whole, std::set<std::string>& set, const fs::path& file, bool isFirst)
 {
-    Lines lines;
-    while (!text.empty()) {
-        const std::size_t end = std::min(text.find('\n'), text.size());
-        lines.emplace_back(text.substr(0, end));
-        text.remove_prefix(std::min(end + 1, text.size()));
-    }
-    return lines;
-}
-
-/// What a line has between quotes, in order, its comment left out.
-static Lines strings(std::string_view line)
-{
-    Lines found;
-    for (std::size_t at = line.find_first_of("\"#"); at < line.size() && line[at] == '"';) {
-        const std::size_t end = std::min(line.find('"', at + 1), line.size());
-        found.emplace_back(line.substr(at + 1, end - at - 1));
-        at = line.find_first_of("\"#", std::min(end + 1, line.size()));
-    }
-    return found;
-}
-
-static void paste(WholeScene& whole, const fs::path& file, bool isFirst)
-{
+    bool isSkipped = false;
     for (const std::string& line : linesOf(readFile(file)))
-        if (line.starts_with("$include \""))
-            paste(whole, file.parent_path() / strings(line).front(), false);
+        if (line.starts_with("$ifndef \""))
+            isSkipped = set.contains(strings(line).front());
+        else if (line == "$endif")
+            isSkipped = false;
+        else if (isSkipped)
+            continue;
+        else if (line.starts_with("set \""))
+            set.insert(strings(line).front());
+        else if (line.starts_with("$include \""))
+            paste(whole, set, file.parent_path() / strings(line).front(), false);
         else if (line.starts_with("color texture ")) {
             const fs::path texture = strings(line).back();
             const std::size_t at = line.rfind(texture.string());
@@ -53,7 +39,8 @@ static void paste(WholeScene& whole, const fs::path& file, bool isFirst)
 WholeScene wholeScene(const fs::path& file)
 {
     WholeScene whole;
-    paste(whole, file, true);
+    std::set<std::string> set;
+    paste(whole, set, file, true);
     whole.text = used(whole.text);
     std::erase_if(whole.textures, [&](const fs::path& texture) {
         return whole.text.find('"' + texture.filename().string() + '"') == std::string::npos;

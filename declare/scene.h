@@ -15,8 +15,8 @@ struct WholeScene {
     std::set<std::filesystem::path> textures; ///< where they are; the text has their file names alone
 };
 
-/// The scene of a file. What it includes in quotes takes the place of the line, without its licence; what is
-/// included in angle brackets is installed, and stays.
+/// The scene of a file. What it includes in quotes takes the place of the line, without its licence and,
+/// with $ifndef, once; what is included in angle brackets is installed, and stays.
 WholeScene wholeScene(const std::filesystem::path& file);
 
 /// Scene text without the shaders, textures and declarations at the beginning of a line that nothing names,

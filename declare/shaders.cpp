@@ -116,7 +116,8 @@ std::string typeText(const VHL::Field& field)
     return (field.isArray ? "array of " : "") + std::string(typeName(field.kind));
 }
 
-std::string rangeText(const VHL::Field& field)
+/// "0 to 1", "on, off".
+static std::string rangeText(const VHL::Field& field)
 {
     if (field.kind == VHL::Kind::boolean)
         return "on, off";
@@ -143,6 +144,24 @@ std::string defaultText(const VHL::Field& field, int most)
     for (int i = 0; i < std::min(most, componentCount(field.kind)); ++i)
         all += (i > 0 ? " " : "") + one;
     return all;
+}
+
+Subject subjectOf(const VHL::Description& shader)
+{
+    Subject subject{.name = std::string(shader.name),
+                    .text = std::string(shader.about.text),
+                    .result = std::string(typeName(shader.result)),
+                    .apply = std::string(applyText(shader)),
+                    .version = shader.version};
+    for (const VHL::Field& field : shader.fields) {
+        const std::string standard = defaultText(field);
+        subject.parameters.push_back({.name = field.name.text.data(),
+                                      .type = typeText(field),
+                                      .standard = standard.empty() ? "none" : standard,
+                                      .range = rangeText(field),
+                                      .about = std::string(field.about)});
+    }
+    return subject;
 }
 
 } // namespace declare

@@ -10,6 +10,20 @@
 
 namespace declare {
 
+/// A parameter in words.
+struct Parameter {
+    std::string name, type, standard, range, about;
+};
+
+/// What readers are told of everything that a scene may name as a shader.
+struct Subject {
+    std::string name, text, result;
+    std::string apply{}; ///< where applications offer it
+    int version = 0;
+    std::vector<Parameter> parameters{};
+};
+Subject subjectOf(const VHL::Description& shader);
+
 /// All of them, by unit and by their place in it.
 std::vector<VHL::Description> shaders();
 
@@ -23,9 +37,8 @@ std::string_view typeName(VHL::Kind kind);
 /// A parameter's default as scene text, with at most so many numbers; empty for a type without defaults.
 std::string defaultText(const VHL::Field& field, int most = 16);
 
-/// A parameter's type and range in words: "array of string", "0 to 1", "on, off".
+/// A parameter's type: "array of string".
 std::string typeText(const VHL::Field& field);
-std::string rangeText(const VHL::Field& field);
 
 /// Where applications offer a shader.
 std::string_view applyText(const VHL::Description& shader);

@@ -7,17 +7,20 @@ namespace declare {
 
 namespace fs = std::filesystem;
 
-static Exhibits exhibits(const Catalog& catalog, const fs::path& pictures, const fs::path& scenes)
+/// Adds what the sources have for a shader or a recipe, and copies it.
+static void exhibit(Exhibits& exhibits, const std::string& name, const fs::path& picture,
+                    const fs::path& scene, const fs::path& folder)
 {
-    Exhibits found;
-    for (const Shader* shader : catalog.shaders()) {
-        const std::string name(shader->name);
-        if (fs::exists(pictures / (name + ".png")))
-            found.pictures.insert(name);
-        if (const fs::path scene = scenes / (name + ".mi"); fs::exists(scene))
-            found.scenes[name] = {readFile(scene), wholeScene(scene)};
+    if (fs::exists(picture)) {
+        exhibits.pictures.insert(name);
+        fs::copy_file(picture, folder / "pictures" / picture.filename());
     }
-    return found;
+    if (fs::exists(scene)) {
+        const Example& example = exhibits.scenes[name] = {readFile(scene), wholeScene(scene)};
+        writeFile(folder / "scenes" / scene.filename(), example.whole.text);
+        for (const fs::path& texture : example.whole.textures)
+            fs::copy_file(texture, folder / "scenes" / texture.filename(), fs::copy_options::skip_existing);
+    }
 }
 
 void writePages(const Catalog& catalog, const fs::path& folder, const fs::path& source)
@@ -26,29 +29,35 @@ void writePages(const Catalog& catalog, const fs::path& folder, const fs::path& 
         throw std::runtime_error(std::string(stray->name) +
                                  ": no group takes its unit, see declare/catalog.cpp");
 
-    const fs::path pictures = source / "docs/pictures/shaders";
-    const fs::path scenes = source / "examples/shaders";
-    const Exhibits shown = exhibits(catalog, pictures, scenes);
-
     // Written anew, so that no page outlives its shader.
     fs::remove_all(folder);
     for (const char* const inside : {"pictures", "scenes"})
         fs::create_directories(folder / inside);
     fs::copy(source / "declare/site", folder / "assets", fs::copy_options::recursive);
-    for (const auto& [name, example] : shown.scenes) {
-        writeFile(folder / "scenes" / (name + ".mi"), example.whole.text);
-        for (const fs::path& texture : example.whole.textures)
-            fs::copy_file(texture, folder / "scenes" / texture.filename(), fs::copy_options::skip_existing);
-    }
-    for (const std::string& name : shown.pictures)
-        fs::copy_file(pictures / (name + ".png"), folder / "pictures" / (name + ".png"));
     writeFile(folder / "assets/index.js", searchIndex(catalog));
 
-    writeFile(folder / "index.html", startPage(catalog, shown));
-    for (const Group& group : catalog.groups())
-        writeFile(folder / (std::string(group.name) + ".html"), groupPage(catalog, shown, group));
+    Exhibits shown;
+    const auto take = [&](const std::string& name, const char* kind) {
+        exhibit(shown, name, source / "docs/pictures" / kind / (name + ".png"),
+                source / "examples" / kind / (name + ".mi"), folder);
+    };
     for (const Shader* shader : catalog.shaders())
-        writeFile(folder / (std::string(shader->name) + ".html"), shaderPage(catalog, shown, *shader));
+        take(std::string(shader->name), "shaders");
+    for (const Recipe* recipe : catalog.recipes())
+        take(recipe->name, "recipes");
+
+    const auto write = [&](std::string_view name, const std::string& page) {
+        writeFile(folder / (std::string(name) + ".html"), page);
+    };
+    write("index", startPage(catalog, shown));
+    for (const Group& group : catalog.groups())
+        write(group.name, groupPage(catalog, shown, group));
+    for (const Shader* shader : catalog.shaders())
+        write(shader->name, shaderPage(catalog, shown, *shader));
+    write("recipes", recipesPage(catalog, shown));
+    for (const RecipeGroup& group : catalog.recipeGroups())
+        for (const Recipe& recipe : group.recipes)
+            write(recipe.name, recipePage(catalog, shown, group, recipe));
 }
 
 } // namespace declare

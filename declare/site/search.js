@@ -4,22 +4,25 @@
 
 (() => {
   const normal = text => text.toLowerCase().replaceAll('colour', 'color');
-  /** A name as words: "vhSubAColor_v2" is "sub a color v 2". */
+  /** A name as words: "vhSubAColor_v2" is "sub a color v 2"; "vhrGainScalar_v1" begins with "vhr". */
+  const prefix = /^vhr?(?=[A-Z])/;
   const word = /[A-Z][a-z]+|[A-Z]+(?![a-z])|[a-z]+|[0-9]+/g;
-  const wordsOf = name => name.replace(/^vh/, '').match(word).join(' ');
+  const wordsOf = name => name.replace(prefix, '').match(word).join(' ');
 
-  const entries = shaders.map(([name, group, result, text, fields]) => ({
-    name, group, result, text,
+  const read = kind => ([name, group, result, text, fields]) => ({
+    name, group, kind, text,
     fields: fields.split(' '),
     plain: normal(name),
+    bare: normal(name.replace(prefix, '')),
     words: ` ${normal(wordsOf(name))} `,
-    sentence: ' ' + normal(`${text} ${group} ${result}`),
-  }));
+    sentence: ' ' + normal(`${text} ${group} ${result} ${kind}`),
+  });
+  const entries = [...shaders.map(read('')), ...recipes.map(read('recipe'))];
 
   const inName = (entry, term) =>
-    entry.plain === term || entry.plain === 'vh' + term ? 100
+    entry.plain === term || entry.bare === term ? 100
     : entry.words.includes(` ${term} `) ? 70
-    : entry.plain.startsWith('vh' + term) || entry.plain.startsWith(term) ? 60
+    : entry.bare.startsWith(term) || entry.plain.startsWith(term) ? 60
     : entry.words.includes(' ' + term) ? 50
     : entry.plain.includes(term) ? 30 : 0;
   const inField = (field, term) => {
@@ -70,8 +73,9 @@
     link.href = `${entry.name}.html${field ? `#p-${field}` : ''}`;
     link.tabIndex = -1;
     link.setAttribute('role', 'option');
-    link.append(element('code', entry.name), element('small', field ? `parameter ${field}` : entry.group),
-      element('span', entry.text));
+    const where = element('small', field ? `parameter ${field}` : entry.group);
+    if (entry.kind) where.prepend(element('b', entry.kind), ' ');
+    link.append(element('code', entry.name), where, element('span', entry.text));
     return link;
   };
 

@@ -1,6 +1,6 @@
 /* SPDX-License-Identifier: BSD-3-Clause
  *
- * Functions of the renderer's interface that no shader of this project calls, for those of others.
+ * Functions of the renderer's interface that the library's shaders do not call, for those of others.
  */
 #ifndef HOST_API_FURTHER_H
 #define HOST_API_FURTHER_H
@@ -18,6 +18,10 @@ miBoolean mi_trace_probe(miState* state, miVector* direction, miVector* origin);
 /* What mi_opacity_set has stored last for the state's ray; false, with the colour left alone, when nothing.
  */
 miBoolean mi_opacity_get(miState* state, miColor* opacity);
+
+/* A vector of internal space in the space of the light whose ray the state is of, where that is at the
+ * state's time. */
+void mi_vector_to_light(const miState* state, miVector* result, const miVector* v);
 
 /* Results may be the arguments. A null matrix is the identity. */
 void mi_point_transform(miVector* result, miVector const* v, miMatrix const m);

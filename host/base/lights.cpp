@@ -2,6 +2,7 @@
 // Light shaders. Asked by any ray but a light ray, when a visible area light is looked at, they give their
 // plain colour, opaque.
 
+#include "host/api/further.h"
 #include "host/base/falloff.h"
 #include "host/base/shader.h"
 #include "host/base/vector.h"
@@ -80,12 +81,11 @@ struct Aim {
 Aim aim(miState* state)
 {
     miVector ray;
-    mi_vector_to_world(state, &ray, &state->dir);
+    mi_vector_to_light(state, &ray, &state->dir);
     const miTag instanceTag = state->light_instance;
     const auto* const instance = static_cast<const miInstance*>(mi_db_access(instanceTag));
     const miTag lightTag = instance->item;
     const auto* const light = static_cast<const miLight*>(mi_db_access(lightTag));
-    mi_vector_transform(&ray, &ray, instance->tf.global_to_local);
     const Aim result = {dot(normalised(ray), normalised(light->direction)), light->spread};
     mi_db_unpin(lightTag);
     mi_db_unpin(instanceTag);

@@ -881,18 +881,19 @@ vertex:
     V INTEGER                           { scene.object.vertex($2, @2); }
 |   vertex N INTEGER                    { scene.object.normal($3, @3); }
 |   vertex T INTEGER                    { scene.object.texture($3, @3); }
-|   vertex T INTEGER INTEGER INTEGER    { scene.object.texture($3, @3); scene.object.unused($4, @4); scene.object.unused($5, @5); }
+|   vertex T INTEGER INTEGER INTEGER    { scene.object.texture($3, @3); scene.object.bumpBasis($4, @4, $5, @5); }
 |   vertex M INTEGER                    { scene.object.motion($3, @3); }
 |   vertex U INTEGER                    { scene.object.unused($3, @3); }
-|   vertex D derivatives
+|   vertex D derivatives                { scene.object.endDerivatives(@2); }
 |   vertex CUSP real
 |   vertex CONIC real
 |   vertex CORNER real
 |   vertex DART real
 ;
+/* How many there may be is not the grammar's business: the message then says how many there are. */
 derivatives:
-    INTEGER                             { scene.object.unused($1, @1); }
-|   derivatives INTEGER                 { scene.object.unused($2, @2); }
+    INTEGER                             { scene.object.derivative($1, @1); }
+|   derivatives INTEGER                 { scene.object.derivative($2, @2); }
 ;
 
 polygons:

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "host/language/object.h"
 
+#include <algorithm>
+
 namespace host::language {
 
 miUint1 FlagMode::bits(int on, int off, int largest) const
@@ -47,6 +49,8 @@ void ObjectBuilder::beginGroup()
         o.vertices.clear();
         o.textureIndices.clear();
         o.motionIndices.clear();
+        o.bumpBases.clear();
+        o.derivatives.clear();
         o.polygons.clear();
         o.loops.clear();
         o.loopVertices.clear();
@@ -82,6 +86,32 @@ void ObjectBuilder::texture(int index, const Location& where)
 {
     object_->textureIndices.push_back(vectorAt(index, where));
     ++object_->vertices.back().textureCount;
+}
+
+void ObjectBuilder::bumpBasis(int x, const Location& whereX, int y, const Location& whereY)
+{
+    const BumpBasis basis = {vectorAt(x, whereX), vectorAt(y, whereY)};
+    object_->bumpBases.resize(object_->textureIndices.size());
+    object_->bumpBases.back() = basis;
+}
+
+void ObjectBuilder::derivative(int index, const Location& where)
+{
+    const std::uint32_t vector = vectorAt(index, where);
+    if (derivativeCount_ < derivatives_.size())
+        derivatives_[derivativeCount_] = vector;
+    ++derivativeCount_;
+}
+
+void ObjectBuilder::endDerivatives(const Location& where)
+{
+    const std::size_t count = std::exchange(derivativeCount_, 0);
+    if (count != 2 && count != 3 && count != 5)
+        throw Error(where, "vertex " + std::to_string(object_->vertices.size() - firstVertex_ - 1) +
+                               " needs 2, 3 or 5 derivatives, found " + std::to_string(count));
+    object_->derivatives.resize(object_->vertices.size(), noDerivatives);
+    Derivatives& own = object_->derivatives.back() = noDerivatives;
+    std::copy_n(derivatives_.begin(), count, own.begin() + (count == 3 ? 2 : 0)); // three are of second order
 }
 
 void ObjectBuilder::motion(int index, const Location& where)

@@ -50,6 +50,11 @@ public:
         object_->vertices.back().normal = vectorAt(index, where);
     }
     void texture(int index, const Location& where);
+    /// Of the vertex's latest texture vector.
+    void bumpBasis(int x, const Location& whereX, int y, const Location& whereY);
+    void derivative(int index, const Location& where);
+    /// Ends the list of derivatives that begins there.
+    void endDerivatives(const Location& where);
     void motion(int index, const Location& where);
     void unused(int index, const Location& where) { vectorAt(index, where); }
 
@@ -71,6 +76,9 @@ private:
     bool replaceGeometry_ = false;
     std::size_t firstVector_ = 0;
     std::size_t firstVertex_ = 0;
+
+    Derivatives derivatives_; ///< those of the latest vertex, as they come
+    std::size_t derivativeCount_ = 0;
 
     Polygon polygon_;
     PolygonKind kind_ = PolygonKind::convex;

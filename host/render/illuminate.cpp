@@ -42,14 +42,15 @@ void setLight(miState& child, miState& state, const LeafLight& light, int sample
     child.type = miRAY_LIGHT;
     child.light_instance = light.leaf->tag;
     child.count = miUshort(sample);
-    child.org = light.origin;
+    const float time = shutterFraction(state);
+    child.org = light.originAt(time);
     if (light.shape) {
         const auto bits = [](float number) { return std::bit_cast<std::uint32_t>(number); };
         const std::uint32_t seed = mixed(bits(state.raster_x), bits(state.raster_y), std::uint32_t(level), 0);
-        child.org = light.point(sample, level, seed);
+        child.org = light.point(sample, level, seed, time);
     }
     if (light.directional()) {
-        child.dir = light.direction;
+        child.dir = light.directionAt(time);
         child.dist = 0.0;
     } else {
         const miVector way = state.point - child.org;
@@ -189,6 +190,13 @@ miBoolean traceShadow(miColor& result, miState& state)
             return miFALSE;
     }
     return miTRUE;
+}
+
+miVector vectorToLight(const miState& state, const miVector& vector)
+{
+    const RenderThread* const thread = RenderThread::find(state);
+    const LeafLight* const light = thread ? thread->stage.lights.leaf(state.light_instance) : nullptr;
+    return light ? light->toLocal(vector, shutterFraction(state)) : vector;
 }
 
 const std::vector<miTag>& lightList(miState& state, const miTag* tags, int count, bool exclusive)

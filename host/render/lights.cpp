@@ -4,6 +4,7 @@
 #include "host/render/samples.h"
 #include "host/render/vector.h"
 #include "host/report/message.h"
+#include "host/scene/matrix.h"
 
 #include <algorithm>
 
@@ -73,17 +74,30 @@ int LeafLight::samples(int level) const
     return counts.u * counts.v;
 }
 
-miVector LeafLight::point(int index, int level, std::uint32_t seed) const
+miVector LeafLight::toLocal(const miVector& vector, float time) const
+{
+    const miTransform& tf = leaf->record.tf;
+    miMatrix inverse;
+    if (!moves)
+        return transformVector(vector, tf.global_to_local);
+    for (int i = 0; i < 16; ++i)
+        inverse[i] = tf.local_to_global[i] + leaf->drift[i] * time;
+    // Half a turn flattens it for a moment.
+    return transformVector(vector, invert(inverse, inverse) ? inverse : tf.global_to_local);
+}
+
+miVector LeafLight::point(int index, int level, std::uint32_t seed, float time) const
 {
     if (!shape)
-        return origin;
+        return originAt(time);
     const Strata counts = strata(light->record, level);
     const auto number = std::uint32_t(index);
     return shape->at((index % counts.u + fraction(seed, number, 0)) / counts.u,
-                     (index / counts.u + fraction(seed, number, 1)) / counts.v);
+                     (index / counts.u + fraction(seed, number, 1)) / counts.v, time);
 }
 
-Lights::Lights(const Database& database, const Leaves& leaves) : database_(database), leaves_(leaves)
+Lights::Lights(const Database& database, const Leaves& leaves, bool blurs)
+    : database_(database), leaves_(leaves)
 {
     for (const Instance* const leaf : leaves.lights()) {
         const auto& light = static_cast<const Light&>(*database.find(leaf->record.item));
@@ -92,16 +106,24 @@ Lights::Lights(const Database& database, const Leaves& leaves) : database_(datab
         added.leaf = leaf;
         added.light = &light;
         added.shader = functionsOf(database, light.shader, light);
+        added.moves = blurs && leaf->hasMotion;
         const miMatrix& toWorld = leaf->record.tf.local_to_global;
-        if (!added.directional() || light.hasOrigin)
+        if (!added.directional() || light.hasOrigin) {
             added.origin = transformPoint(light.record.origin, toWorld);
-        if (light.record.type != miLIGHT_ORIGIN)
-            added.direction = normalised(transformVector(light.record.direction, toWorld));
-        if (!isFinite(added.origin) || !isFinite(added.direction))
+            added.originDrift = transformPoint(light.record.origin, leaf->drift);
+        }
+        if (light.record.type != miLIGHT_ORIGIN) {
+            added.direction = transformVector(light.record.direction, toWorld);
+            added.directionDrift = transformVector(light.record.direction, leaf->drift);
+            if (!added.moves)
+                added.direction = normalised(added.direction);
+        }
+        if (!isFinite(added.origin) || !isFinite(added.direction) || !isFinite(added.originAt(1.0f)) ||
+            !isFinite(added.directionAt(1.0f)))
             throw Error(light.where, called(light) + ": its position or direction is not finite");
         if (added.directional())
             continue;
-        added.shape = makeShape(light, *leaf, database, leaves);
+        added.shape = makeShape(light, *leaf, database, leaves, blurs);
         if (!added.shape)
             continue;
         checkCounts(light);

@@ -5,6 +5,7 @@
 #include "host/render/leaves.h"
 #include "host/render/lightshape.h"
 #include "host/render/surface.h"
+#include "host/render/vector.h"
 
 #include <memory>
 #include <mutex>
@@ -16,37 +17,54 @@ namespace host {
 /// What the counter that light shaders see can hold: no light takes more samples.
 inline constexpr int mostLightSamples = 65535;
 
-/// How often a user light's shader is called at one point: until its counter, which has 16 bits, would begin anew.
+/// How often a user light's shader is called at one point: until its counter, which has 16 bits, would begin
+/// anew.
 inline constexpr int mostUserCalls = 65536;
 
-/// A light seen through one leaf instance, in internal space.
+/// A light seen through one leaf instance, in internal space. What moves does so along straight lines, with
+/// time from 0 to 1 over the shutter.
 struct LeafLight {
     const Instance* leaf = nullptr;
     const Light* light = nullptr;
     FunctionList shader;
-    miVector origin = {0.0f, 0.0f, 0.0f};
-    miVector direction = {0.0f, 0.0f, 0.0f}; ///< unit; null for point lights
-    std::unique_ptr<LightShape> shape;       ///< null unless samples are taken over one
-    unsigned seenBy = 0;                     ///< RayBit: by which rays the shape is seen
+    bool moves = false;
+    // When the shutter opens, and what they gain while it is open. The direction of what moves is not of unit
+    // length.
+    miVector origin = {0.0f, 0.0f, 0.0f}, originDrift = {0.0f, 0.0f, 0.0f};
+    miVector direction = {0.0f, 0.0f, 0.0f}, directionDrift = {0.0f, 0.0f, 0.0f};
+    std::unique_ptr<LightShape> shape; ///< null unless samples are taken over one
+    unsigned seenBy = 0;               ///< RayBit: by which rays the shape is seen
 
     bool directional() const { return light->record.type == miLIGHT_DIRECTION; }
 
     /// The shader chooses where samples lie, and how many there are.
     bool user() const { return !directional() && areaOf(light->record) == miLIGHT_USER; }
 
+    miVector originAt(float time) const { return moves ? origin + originDrift * time : origin; }
+
+    /// Unit; null for point lights.
+    miVector directionAt(float time) const
+    {
+        return moves ? normalised(direction + directionDrift * time) : direction;
+    }
+
+    /// A vector of internal space in the light's own.
+    miVector toLocal(const miVector& vector, float time) const;
+
     /// How many samples a surface takes at most; `level` is the sum of the surface's ray levels.
     int samples(int level) const;
 
     /// The point that sample `index` lights from. Samples of area lights are stratified over the shape;
     /// `seed` moves them within their strata.
-    miVector point(int index, int level, std::uint32_t seed) const;
+    miVector point(int index, int level, std::uint32_t seed, float time) const;
 };
 
 /// Read-only, and safe from any thread.
 class Lights {
 public:
+    /// `blurs`: what moves is where it is at a sample's time; otherwise where it is when the shutter opens.
     /// Throws Error, with the light's place, for what cannot be rendered.
-    Lights(const Database& database, const Leaves& leaves);
+    Lights(const Database& database, const Leaves& leaves, bool blurs);
 
     const std::vector<LeafLight>& all() const { return lights_; }
 

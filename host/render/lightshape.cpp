@@ -4,7 +4,9 @@
 #include "host/render/vector.h"
 
 #include <algorithm>
+#include <array>
 #include <numbers>
+#include <numeric>
 
 namespace host {
 
@@ -112,10 +114,15 @@ struct Cylinder {
     }
 };
 
-/// Where a unit shape lies: the images of its origin and of its axes.
+/// Where a unit shape lies: the images of its origin and of its axes. Flat ones need no third.
 struct Axes {
     miVector origin, x, y, z;
 };
+
+miVector between(const miVector& first, const miVector& last, float time)
+{
+    return first + (last - first) * time;
+}
 
 /// A unit shape in its place.
 template <class Unit>
@@ -123,7 +130,9 @@ class Placed final : public LightShape {
 public:
     explicit Placed(const Axes& axes) : axes_(axes)
     {
-        const auto& [o, x, y, z] = axes;
+        if (Unit::flat) // any third axis will do
+            axes_.z = crossDirection(axes.x, axes.y);
+        const auto& [o, x, y, z] = axes_;
         const Local yz = cross(y, z), zx = cross(z, x), xy = cross(x, y);
         const double volume = dot(wide(x), yz);
         hasExtent_ = std::abs(volume) > 0.0;
@@ -134,7 +143,7 @@ public:
         dualZ_ = scaled(xy, 1.0 / volume);
     }
 
-    miVector at(double a, double b) const override
+    miVector at(double a, double b, float /*time*/) const override
     {
         const auto& [o, x, y, z] = axes_;
         const Local p = Unit::at(a, b);
@@ -178,9 +187,35 @@ private:
         dualZ_{}; ///< one over the axes: rows of the inverse, and what normals are made of
 };
 
+/// A unit shape that moves from one place to another.
+template <class Unit>
+class Moving final : public LightShape {
+public:
+    Moving(const Axes& first, const Axes& last) : first_(first), last_(last) {}
+
+    miVector at(double a, double b, float time) const override { return now(time).at(a, b, time); }
+    bool meet(const Ray& ray, ShapeHit& hit) const override { return now(ray.time).meet(ray, hit); }
+
+private:
+    Placed<Unit> now(float time) const
+    {
+        return Placed<Unit>({between(first_.origin, last_.origin, time), between(first_.x, last_.x, time),
+                             between(first_.y, last_.y, time), between(first_.z, last_.z, time)});
+    }
+
+    Axes first_, last_;
+};
+
+/// What takes an element from its own space to the world, or to that of its parent, when the shutter closes.
+const miMatrix& lastMatrix(const Instance& instance)
+{
+    return instance.hasMotion ? instance.motionInverse : instance.record.tf.local_to_global;
+}
+
 /// The surface of an object.
 class ObjectSurface final : public LightShape {
 public:
+    explicit ObjectSurface(bool moves) : moves_(moves) {}
     ~ObjectSurface() override
     {
         if (scene_)
@@ -189,44 +224,60 @@ public:
             rtcReleaseDevice(device_);
     }
 
-    /// Adds an object's triangles, taken along by both matrices in turn.
-    void add(const Object& object, const miMatrix first, const miMatrix second)
+    /// Adds an object's triangles, taken along by its own instance and then by the light's.
+    void add(const Object& object, const Instance& own, const Instance& light)
     {
         const Mesh mesh(object);
-        const auto placed = [&](std::uint32_t vertex) {
-            return transformPoint(transformPoint(mesh.position(vertex), first), second);
+        const bool bends = moves_ && own.record.gen_motion != stopsMotion;
+        const auto first = [&](std::uint32_t vertex) {
+            return transformPoint(transformPoint(mesh.position(vertex), own.record.tf.local_to_global),
+                                  light.record.tf.local_to_global);
         };
-        for (const Triangle& triangle : mesh.triangles()) {
-            const miVector a = placed(triangle[0]), b = placed(triangle[1]), c = placed(triangle[2]);
-            const double area = std::sqrt(twiceTheAreaSquared(b - a, c - a)) / 2.0;
+        const auto last = [&](std::uint32_t vertex) {
+            const miVector position = bends ? mesh.lastPosition(vertex) : mesh.position(vertex);
+            return transformPoint(transformPoint(position, lastMatrix(own)), lastMatrix(light));
+        };
+        for (const auto& [a, b, c] : mesh.triangles()) {
+            const Corners corners = {first(a), first(b), first(c)};
+            const double area = areaOf(corners);
             if (area == 0.0)
                 continue;
             area_ += area;
-            pieces_.push_back({a, b, c, area_});
+            pieces_.push_back({corners, area_});
+            if (!moves_)
+                continue;
+            lastCorners_.push_back({last(a), last(b), last(c)});
+            lastArea_ += areaOf(lastCorners_.back());
         }
     }
 
-    /// 0 for a surface without triangles, and no finite number for one with such corners.
+    /// 0 for a surface without triangles.
     double area() const { return area_; }
+
+    /// False for one with corners that are not.
+    bool isFinite() const { return std::isfinite(area_) && std::isfinite(lastArea_); }
 
     /// Makes it known to rays. Throws Error when there is no memory for that.
     void index()
     {
         device_ = rtcNewDevice(nullptr);
         const RTCGeometry geometry = rtcNewGeometry(device_, RTC_GEOMETRY_TYPE_TRIANGLE);
+        rtcSetGeometryTimeStepCount(geometry, moves_ ? 2 : 1);
         const std::size_t count = pieces_.size();
-        auto* const corners = static_cast<miVector*>(rtcSetNewGeometryBuffer(
-            geometry, RTC_BUFFER_TYPE_VERTEX, 0, RTC_FORMAT_FLOAT3, sizeof(miVector), 3 * count));
+        const auto corners = [&](unsigned step) {
+            return static_cast<Corners*>(rtcSetNewGeometryBuffer(
+                geometry, RTC_BUFFER_TYPE_VERTEX, step, RTC_FORMAT_FLOAT3, sizeof(miVector), 3 * count));
+        };
+        auto* const first = corners(0);
+        auto* const last = moves_ ? corners(1) : nullptr;
         auto* const indices = static_cast<std::uint32_t*>(rtcSetNewGeometryBuffer(
             geometry, RTC_BUFFER_TYPE_INDEX, 0, RTC_FORMAT_UINT3, 3 * sizeof(std::uint32_t), count));
-        if (corners && indices)
-            for (std::size_t i = 0; i < count; ++i) {
-                const Piece& piece = pieces_[i];
-                std::copy_n(std::initializer_list<miVector>{piece.a, piece.b, piece.c}.begin(), 3,
-                            corners + 3 * i);
-                for (std::size_t k = 3 * i; k < 3 * i + 3; ++k)
-                    indices[k] = std::uint32_t(k);
-            }
+        if (first && indices && (last || !moves_)) {
+            std::transform(pieces_.begin(), pieces_.end(), first,
+                           [](const Piece& piece) { return piece.corners; });
+            std::copy(lastCorners_.begin(), lastCorners_.end(), last);
+            std::iota(indices, indices + 3 * count, 0u);
+        }
         rtcCommitGeometry(geometry);
         scene_ = rtcNewScene(device_);
         rtcSetSceneFlags(scene_, RTC_SCENE_FLAG_ROBUST);
@@ -237,7 +288,7 @@ public:
             throw Error("not enough memory for the shapes of lights");
     }
 
-    miVector at(double a, double b) const override
+    miVector at(double a, double b, float time) const override
     {
         // `a` chooses the triangle by its area, and what it is beyond the ones before is used once more.
         const double share = a * area_;
@@ -251,8 +302,13 @@ public:
         const auto mixed = [&](float x, float y, float z) {
             return float(weightA * x + weightB * y + weightC * z);
         };
-        return {mixed(piece->a.x, piece->b.x, piece->c.x), mixed(piece->a.y, piece->b.y, piece->c.y),
-                mixed(piece->a.z, piece->b.z, piece->c.z)};
+        const auto placed = [&](const Corners& on) {
+            return miVector{mixed(on[0].x, on[1].x, on[2].x), mixed(on[0].y, on[1].y, on[2].y),
+                            mixed(on[0].z, on[1].z, on[2].z)};
+        };
+        const miVector first = placed(piece->corners);
+        return moves_ ? between(first, placed(lastCorners_[std::size_t(piece - pieces_.begin())]), time)
+                      : first;
     }
 
     bool meet(const Ray& ray, ShapeHit& hit) const override
@@ -271,21 +327,26 @@ public:
     }
 
 private:
+    using Corners = std::array<miVector, 3>;
+
     struct Piece {
-        miVector a, b, c;
+        Corners corners;
         double upTo; ///< area of all pieces up to this one
     };
 
-    static double twiceTheAreaSquared(const miVector& u, const miVector& v)
+    static double areaOf(const Corners& corners)
     {
+        const miVector u = corners[1] - corners[0], v = corners[2] - corners[0];
         const double x = double(u.y) * v.z - double(u.z) * v.y;
         const double y = double(u.z) * v.x - double(u.x) * v.z;
         const double z = double(u.x) * v.y - double(u.y) * v.x;
-        return x * x + y * y + z * z;
+        return std::sqrt(x * x + y * y + z * z) / 2.0;
     }
 
+    const bool moves_;
     std::vector<Piece> pieces_;
-    double area_ = 0.0;
+    std::vector<Corners> lastCorners_; ///< of what moves: where the pieces are when the shutter closes
+    double area_ = 0.0, lastArea_ = 0.0;
     RTCDevice device_ = nullptr;
     RTCScene scene_ = nullptr;
 };
@@ -296,17 +357,20 @@ private:
 }
 
 template <class Unit>
-std::unique_ptr<LightShape> placed(const Light& light, const Instance& leaf, const miVector& x,
+std::unique_ptr<LightShape> placed(const Light& light, const Instance& leaf, bool moves, const miVector& x,
                                    const miVector& y, const miVector& z = {0.0f, 0.0f, 0.0f})
 {
-    const miMatrix& toWorld = leaf.record.tf.local_to_global;
-    Axes axes = {transformPoint(light.record.origin, toWorld), transformVector(x, toWorld),
-                 transformVector(y, toWorld), transformVector(z, toWorld)};
-    if (Unit::flat) // any third axis will do
-        axes.z = crossDirection(axes.x, axes.y);
-    if (!isFinite(axes.origin) || !isFinite(axes.x) || !isFinite(axes.y) || !isFinite(axes.z))
-        refuse(light, "the size of its shape is not finite");
-    return std::make_unique<Placed<Unit>>(axes);
+    const auto axes = [&](const miMatrix& toWorld) {
+        const Axes result = {transformPoint(light.record.origin, toWorld), transformVector(x, toWorld),
+                             transformVector(y, toWorld), transformVector(z, toWorld)};
+        if (!isFinite(result.origin) || !isFinite(result.x) || !isFinite(result.y) || !isFinite(result.z))
+            refuse(light, "the size of its shape is not finite");
+        return result;
+    };
+    const Axes first = axes(leaf.record.tf.local_to_global);
+    if (moves)
+        return std::make_unique<Moving<Unit>>(first, axes(lastMatrix(leaf)));
+    return std::make_unique<Placed<Unit>>(first);
 }
 
 /// Two vectors of that length that are perpendicular to the given one and to each other; null when it is.
@@ -323,7 +387,7 @@ struct Ring {
 };
 
 std::unique_ptr<LightShape> surfaceOf(const Light& light, const Instance& leaf, const Database& database,
-                                      const Leaves& leaves)
+                                      const Leaves& leaves, bool blurs)
 {
     const Element* const source = database.find(light.record.primitive.object.object);
     if (!source)
@@ -334,19 +398,20 @@ std::unique_ptr<LightShape> surfaceOf(const Light& light, const Instance& leaf, 
     if (!object)
         refuse(light, "its shape must be an object or an instance of one, and " +
                           std::string(kindName(source->kind)) + ' ' + inQuotes(source->name) + " is neither");
-    auto shape = std::make_unique<ObjectSurface>();
-    const miMatrix& toWorld = leaf.record.tf.local_to_global;
-    bool inScene = false;
+    std::vector<const Instance*> places;
     for (const Instance* const placed : leaves.objects())
-        if (instance && placed->record.parent == instance->tag) {
-            shape->add(*object, placed->record.tf.local_to_global, toWorld);
-            inScene = true;
-        }
-    if (!inScene) {
-        const Instance unmoved;
-        shape->add(*object, (instance ? instance : &unmoved)->record.tf.local_to_global, toWorld);
-    }
-    if (!std::isfinite(shape->area()))
+        if (instance && placed->record.parent == instance->tag)
+            places.push_back(placed);
+    const Instance unmoved;
+    if (places.empty())
+        places.push_back(instance ? instance : &unmoved);
+    const bool moves =
+        blurs && (leaf.hasMotion || !object->motionIndices.empty() ||
+                  std::ranges::any_of(places, [](const Instance* own) { return own->hasMotion; }));
+    auto shape = std::make_unique<ObjectSurface>(moves);
+    for (const Instance* const own : places)
+        shape->add(*object, *own, leaf);
+    if (!shape->isFinite())
         refuse(light, "the size of its shape is not finite");
     if (shape->area() == 0.0)
         refuse(light, "its shape, object " + inQuotes(object->name) + ", has no surface");
@@ -358,29 +423,30 @@ std::unique_ptr<LightShape> surfaceOf(const Light& light, const Instance& leaf, 
 } // namespace
 
 std::unique_ptr<LightShape> makeShape(const Light& light, const Instance& leaf, const Database& database,
-                                      const Leaves& leaves)
+                                      const Leaves& leaves, bool blurs)
 {
     const auto& primitive = light.record.primitive;
+    const bool moves = blurs && leaf.hasMotion;
     switch (areaOf(light.record)) {
     case miLIGHT_NONE:
     case miLIGHT_USER:
         return nullptr;
     case miLIGHT_RECTANGLE:
-        return placed<Square>(light, leaf, primitive.rectangle.edge_u, primitive.rectangle.edge_v);
+        return placed<Square>(light, leaf, moves, primitive.rectangle.edge_u, primitive.rectangle.edge_v);
     case miLIGHT_DISC: {
         const Ring ring(primitive.disc.normal, primitive.disc.radius);
-        return placed<Disc>(light, leaf, ring.u, ring.v);
+        return placed<Disc>(light, leaf, moves, ring.u, ring.v);
     }
     case miLIGHT_SPHERE: {
         const float r = primitive.sphere.radius;
-        return placed<Sphere>(light, leaf, {r, 0.0f, 0.0f}, {0.0f, r, 0.0f}, {0.0f, 0.0f, r});
+        return placed<Sphere>(light, leaf, moves, {r, 0.0f, 0.0f}, {0.0f, r, 0.0f}, {0.0f, 0.0f, r});
     }
     case miLIGHT_CYLINDER: {
         const Ring ring(primitive.cylinder.axis, primitive.cylinder.radius);
-        return placed<Cylinder>(light, leaf, ring.u, ring.v, primitive.cylinder.axis);
+        return placed<Cylinder>(light, leaf, moves, ring.u, ring.v, primitive.cylinder.axis);
     }
     case miLIGHT_OBJECT:
-        return surfaceOf(light, leaf, database, leaves);
+        return surfaceOf(light, leaf, database, leaves, blurs);
     }
     refuse(light, "there are no area lights of type " + std::to_string(areaOf(light.record)));
 }

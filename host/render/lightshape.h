@@ -24,23 +24,25 @@ struct ShapeHit {
     miVector normal = {0.0f, 0.0f, 0.0f}; ///< unit, on whichever side
 };
 
-/// A shape in internal space, seen through one leaf instance. Read-only, and safe from any thread.
+/// A shape in internal space, seen through one leaf instance. What moves does so along straight lines, with
+/// time from 0 to 1 over the shutter. Read-only, and safe from any thread.
 class LightShape {
 public:
     virtual ~LightShape() = default;
 
     /// A place on the shape. `a` and `b` run from 0 to below 1 and cover it evenly: equal parts of the square
-    /// are equal areas, of spheres and cylinders as long as their instance does not stretch them.
-    virtual miVector at(double a, double b) const = 0;
+    /// are equal areas, of spheres and cylinders as long as their instance does not stretch them, of objects
+    /// when the shutter opens.
+    virtual miVector at(double a, double b, float time) const = 0;
 
-    /// The nearest place that a ray meets between its ends, from either side.
+    /// The nearest place that a ray meets between its ends at its time, from either side.
     virtual bool meet(const Ray& ray, ShapeHit& hit) const = 0;
 };
 
 /// The shape of a light; null when it has none, because it is no area light or because its shader chooses the
-/// samples. Throws Error, with the light's place, for one that cannot be: of something that is no object, of
-/// an empty one, or with numbers that are none.
+/// samples. `blurs`: what moves is met where it is at a ray's time. Throws Error, with the light's place, for
+/// one that cannot be: of something that is no object, of an empty one, or with numbers that are none.
 std::unique_ptr<LightShape> makeShape(const Light& light, const Instance& leaf, const Database& database,
-                                      const Leaves& leaves);
+                                      const Leaves& leaves, bool blurs);
 
 } // namespace host

@@ -49,11 +49,9 @@ SurfacePoint Mesh::at(std::uint32_t triangle, float u, float v, float time) cons
     result.motion = {0.0f, 0.0f, 0.0f};
     const Vertex &a = object_.vertices[ia], &b = object_.vertices[ib], &c = object_.vertices[ic];
     const std::vector<miVector>& vectors = object_.vectors;
-    if (a.normal != Vertex::none && b.normal != Vertex::none && c.normal != Vertex::none) {
-        const miVector normal = weighted(vectors[a.normal], vectors[b.normal], vectors[c.normal], u, v);
-        if (!isNull(normal))
-            result.normal = normalised(normal);
-    }
+    miVector normal;
+    if (interpolate(a.normal, b.normal, c.normal, u, v, normal) && !isNull(normal))
+        result.normal = normalised(normal);
     if (a.motionCount && b.motionCount && c.motionCount) {
         const auto motion = [&](const Vertex& x) { return vectors[object_.motionIndices[x.firstMotion]]; };
         result.motion = weighted(motion(a), motion(b), motion(c), u, v);
@@ -69,6 +67,51 @@ void Mesh::textures(std::uint32_t triangle, float u, float v, std::vector<miVect
     result.clear();
     for (std::uint32_t space = 0; space < spaces; ++space)
         result.push_back(weighted(texture(a, space), texture(b, space), texture(c, space), u, v));
+}
+
+void Mesh::bumpBases(std::uint32_t triangle, float u, float v, std::vector<miVector>& x,
+                     std::vector<miVector>& y) const
+{
+    x.clear();
+    y.clear();
+    if (object_.bumpBases.empty())
+        return;
+    const auto& [ia, ib, ic] = triangles_[triangle];
+    const Vertex &a = object_.vertices[ia], &b = object_.vertices[ib], &c = object_.vertices[ic];
+    const std::uint32_t spaces = std::min({a.textureCount, b.textureCount, c.textureCount});
+    bool any = false;
+    for (std::uint32_t space = 0; space < spaces; ++space) {
+        const BumpBasis basisA = object_.bumpBasis(a, space), basisB = object_.bumpBasis(b, space),
+                        basisC = object_.bumpBasis(c, space);
+        any |= interpolate(basisA.x, basisB.x, basisC.x, u, v, x.emplace_back());
+        interpolate(basisA.y, basisB.y, basisC.y, u, v, y.emplace_back());
+    }
+    if (!any) {
+        x.clear();
+        y.clear();
+    }
+}
+
+bool Mesh::derivatives(std::uint32_t triangle, float u, float v, SurfaceDerivatives& result) const
+{
+    if (object_.derivatives.empty())
+        return false;
+    const auto& [ia, ib, ic] = triangles_[triangle];
+    const Derivatives &a = object_.derivativesOf(ia), &b = object_.derivativesOf(ib),
+                      &c = object_.derivativesOf(ic);
+    bool any = false;
+    for (std::size_t i = 0; i < result.size(); ++i)
+        any |= interpolate(a[i], b[i], c[i], u, v, result[i]);
+    return any;
+}
+
+bool Mesh::interpolate(std::uint32_t a, std::uint32_t b, std::uint32_t c, float u, float v,
+                       miVector& result) const
+{
+    const bool all = a != Vertex::none && b != Vertex::none && c != Vertex::none;
+    result = all ? weighted(object_.vectors[a], object_.vectors[b], object_.vectors[c], u, v)
+                 : miVector{0.0f, 0.0f, 0.0f};
+    return all;
 }
 
 miVector Mesh::textureChange(std::uint32_t triangle, const miVector& along) const

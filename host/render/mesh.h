@@ -14,6 +14,8 @@ struct SurfacePoint {
     miVector motion;    ///< null without motion vectors
 };
 
+using SurfaceDerivatives = std::array<miVector, std::tuple_size_v<Derivatives>>;
+
 /// The triangles of one object. Safe from any thread.
 class Mesh {
 public:
@@ -36,8 +38,17 @@ public:
     /// The texture vectors of that place, space 0 first; as many spaces as all three vertices have.
     void textures(std::uint32_t triangle, float u, float v, std::vector<miVector>& result) const;
 
-    /// How the first of them changes along a vector in the triangle's plane; null without texture vectors,
-    /// and on triangles without area.
+    /// The bump basis vectors of that place, one pair for each of these texture vectors: null where not all
+    /// three vertices have one. Nothing at all when that is so of every space.
+    void bumpBases(std::uint32_t triangle, float u, float v, std::vector<miVector>& x,
+                   std::vector<miVector>& y) const;
+
+    /// The derivatives of that place: two of first order, three of second; null where not all three vertices
+    /// have them. False, with the result undefined, when that is so of all.
+    bool derivatives(std::uint32_t triangle, float u, float v, SurfaceDerivatives& result) const;
+
+    /// How the first texture vector changes along a vector in the triangle's plane; null without texture
+    /// vectors, and on triangles without area.
     miVector textureChange(std::uint32_t triangle, const miVector& along) const;
 
 private:
@@ -45,6 +56,10 @@ private:
     {
         return object_.vectors[object_.textureIndices[vertex.firstTexture + space]];
     }
+
+    /// Of three of the object's vectors; false, with the null vector, unless all three are there.
+    bool interpolate(std::uint32_t a, std::uint32_t b, std::uint32_t c, float u, float v,
+                     miVector& result) const;
 
     const Object& object_;
     std::vector<Triangle> triangles_;

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "host/render/stage.h"
 
-#include "host/report/message.h"
 #include "host/shading/network.h"
 
 #include <algorithm>
@@ -29,14 +28,7 @@ bool compositesOpacity(const Options& options)
     return !on || *on;
 }
 
-/// Objects and cameras move while the shutter is open; lights do not.
-void warnOfMotion(const Options& options, const Leaves& leaves)
-{
-    if (!options.record.motion || options.record.shutter <= 0.0f)
-        return;
-    if (std::ranges::any_of(leaves.lights(), [](const Instance* leaf) { return leaf->hasMotion; }))
-        message(Level::warning, "RC", "lights with a motion transform stay where they are as the shutter opens");
-}
+bool blurs(const Options& options) { return options.record.motion && options.record.shutter > 0.0f; }
 
 } // namespace
 
@@ -44,16 +36,15 @@ Stage::Stage(Session& session, const RenderCommand& command, const Camera& theCa
              const Options& theOptions)
     : database(session.database), options(theOptions), camera(theCamera),
       leaves(session.database, command.root), cameraLeaf(placed(leaves, command)),
-      rays(camera.record, cameraLeaf), surfaces(database),
-      world(database, leaves, surfaces, options.record.motion && options.record.shutter > 0.0f),
-      lights(database, leaves), environment(functionsOf(database, camera.environment, camera)),
-      textures(database, session.paths), compositesOpacity(host::compositesOpacity(theOptions))
+      rays(camera.record, cameraLeaf), surfaces(database), world(database, leaves, surfaces, blurs(options)),
+      lights(database, leaves, blurs(options)),
+      environment(functionsOf(database, camera.environment, camera)), textures(database, session.paths),
+      compositesOpacity(host::compositesOpacity(theOptions))
 {
     if (!options.record.no_lens)
         lenses = functionsOf(database, camera.lens, camera);
     if (!options.record.no_volume)
         volume = functionsOf(database, camera.volume, camera);
-    warnOfMotion(options, leaves);
 }
 
 void Stage::addPhenomena()

@@ -45,7 +45,8 @@ struct Frame {
     Surroundings surroundings;
     Hit hit;                        ///< of the surface that is shaded; no body elsewhere
     std::optional<miColor> opacity; ///< as its shaders have set it
-    std::vector<miVector> textures;
+    std::vector<miVector> textures, bumpX, bumpY;
+    SurfaceDerivatives derivatives;
     std::vector<Hit> occluders;
     std::vector<LightLoop> loops;
     std::deque<std::vector<miTag>>

@@ -29,7 +29,7 @@ void clearHit(Frame& frame)
     state.inv_normal = miFALSE;
     state.face = '\0';
     state.shadow_tol = 0.0;
-    state.tex_list = nullptr;
+    state.tex_list = state.bump_x_list = state.bump_y_list = state.derivs = nullptr;
     state.point = state.normal = state.normal_geom = state.motion = state.tex = {0.0f, 0.0f, 0.0f};
     state.dot_nd = 0.0f;
     std::fill(std::begin(state.bary), std::end(state.bary), 0.0f);
@@ -233,6 +233,9 @@ miVector motionOf(const Body& body, const SurfacePoint& place, float time)
            transformPoint(first + place.motion, leaf.drift);
 }
 
+/// What the state says of a list: where it begins, or null.
+miVector* pointerTo(std::vector<miVector>& list) { return list.empty() ? nullptr : list.data(); }
+
 /// True when the state's surface may cast such rays, and its levels allow one more.
 bool mayCast(const RenderThread& thread, const miState& state, miRay_type type)
 {
@@ -295,8 +298,17 @@ void setHit(Frame& frame, const miVector& direction, const Hit& hit, bool flip)
     state.material = surface ? surface->tag : miNULLTAG;
     state.shadow_tol = startDistance(state.point);
     mesh.textures(hit.triangle, hit.u, hit.v, frame.textures);
-    state.tex_list = frame.textures.empty() ? nullptr : frame.textures.data();
+    state.tex_list = pointerTo(frame.textures);
     state.tex = frame.textures.empty() ? miVector{0.0f, 0.0f, 0.0f} : frame.textures.front();
+    // Shaders get bump bases as they are modelled, derivatives in internal space.
+    mesh.bumpBases(hit.triangle, hit.u, hit.v, frame.bumpX, frame.bumpY);
+    state.bump_x_list = pointerTo(frame.bumpX);
+    state.bump_y_list = pointerTo(frame.bumpY);
+    const bool derived = mesh.derivatives(hit.triangle, hit.u, hit.v, frame.derivatives);
+    if (derived)
+        for (miVector& derivative : frame.derivatives)
+            derivative = body.vectorToWorld(derivative, hit.time);
+    state.derivs = derived ? frame.derivatives.data() : nullptr;
 }
 
 SampleResult sample(RenderThread& thread, float rasterX, float rasterY, float time)
@@ -358,7 +370,8 @@ miBoolean traceEye(miColor& result, miState& state, const miVector& origin, cons
             frame->state.dir = normalised(direction);
         Ray ray = eyeRay(frame->state);
         // Lenses that leave the camera's ray as it is leave its clipping too.
-        const PrimaryRay primary = thread.stage.rays.at(state.raster_x, state.raster_y, shutterFraction(state));
+        const PrimaryRay primary =
+            thread.stage.rays.at(state.raster_x, state.raster_y, shutterFraction(state));
         if (isSame(origin, primary.origin) && isSame(direction, primary.direction)) {
             ray.near = primary.near;
             ray.far = primary.far;

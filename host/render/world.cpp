@@ -60,6 +60,12 @@ miVector Body::pointToWorld(const miVector& point, float time) const
     return moves ? first + transformPoint(point, leaf->drift) * time : first;
 }
 
+miVector Body::vectorToWorld(const miVector& vector, float time) const
+{
+    const miVector first = transformVector(vector, leaf->record.tf.local_to_global);
+    return moves ? first + transformVector(vector, leaf->drift) * time : first;
+}
+
 miVector Body::normalToWorld(const miVector& normal, float time) const
 {
     if (!moves)

@@ -49,6 +49,7 @@ struct Body {
     }
     /// From the body's own space to the world. Normals are not unit length afterwards.
     miVector pointToWorld(const miVector& point, float time) const;
+    miVector vectorToWorld(const miVector& vector, float time) const;
     miVector normalToWorld(const miVector& normal, float time) const;
 };
 

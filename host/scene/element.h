@@ -7,6 +7,7 @@
 
 #include "host/report/error.h"
 
+#include <array>
 #include <cstdint>
 #include <limits>
 #include <map>
@@ -133,6 +134,18 @@ struct Vertex {
     std::uint32_t motionCount = 0;
 };
 
+/// The two bump basis vectors of a texture vector: indices into the object's vector list.
+struct BumpBasis {
+    std::uint32_t x = Vertex::none;
+    std::uint32_t y = Vertex::none;
+};
+
+/// The surface's derivatives at a vertex, indices into the object's vector list: two of first order, then
+/// three of second order. Vertex::none where not given.
+using Derivatives = std::array<std::uint32_t, 5>;
+inline constexpr Derivatives noDerivatives = {Vertex::none, Vertex::none, Vertex::none, Vertex::none,
+                                              Vertex::none};
+
 /// One polygon: an outline and any number of holes, each a loop of vertex indices, counter-clockwise from the
 /// front.
 struct Polygon {
@@ -164,10 +177,22 @@ struct Object : Element {
     char face = 'a';
     miUint label = 0;
 
+    BumpBasis bumpBasis(const Vertex& vertex, std::uint32_t space) const
+    {
+        const std::size_t place = std::size_t(vertex.firstTexture) + space;
+        return place < bumpBases.size() ? bumpBases[place] : BumpBasis();
+    }
+    const Derivatives& derivativesOf(std::uint32_t vertex) const
+    {
+        return vertex < derivatives.size() ? derivatives[vertex] : noDerivatives;
+    }
+
     std::vector<miVector> vectors;
     std::vector<Vertex> vertices;
     std::vector<std::uint32_t> textureIndices; ///< in `vectors`
     std::vector<std::uint32_t> motionIndices;  ///< in `vectors`
+    std::vector<BumpBasis> bumpBases;          ///< beside `textureIndices`, as far as some have them
+    std::vector<Derivatives> derivatives;      ///< beside `vertices`, as far as some have them
     std::vector<Polygon> polygons;
     std::vector<Loop> loops;
     std::vector<std::uint32_t> loopVertices; ///< in `vertices`

@@ -3,10 +3,11 @@
 cmake_minimum_required(VERSION 3.22)
 
 file(REMOVE_RECURSE ${work})
-execute_process(COMMAND ${tool} ${work} COMMAND_ERROR_IS_FATAL ANY)
+execute_process(COMMAND ${tool} ${work} ${source} COMMAND_ERROR_IS_FATAL ANY)
 
 file(GLOB_RECURSE written RELATIVE ${work} ${work}/*)
-file(GLOB committed RELATIVE ${source} ${source}/declarations/* ${source}/docs/reference/*)
+file(GLOB committed RELATIVE ${source} ${source}/declarations/* ${source}/docs/reference/*
+     ${source}/docs/recipes/*)
 list(REMOVE_ITEM committed declarations/recipes.mi) # written by hand
 list(SORT written)
 list(SORT committed)

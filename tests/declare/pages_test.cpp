@@ -56,14 +56,15 @@ class Pages : public testing::Test {
 protected:
     const Catalog catalog{sample};
     const VHL::Description& shader = *catalog.find("vhAddColor_v2");
+    const declare::Subject subject = declare::subjectOf(shader);
 
     std::string page(const declare::Exhibits& exhibits = {}) const
     {
         return declare::shaderPage(catalog, exhibits, shader);
     }
-    std::string line(std::string_view text) const { return declare::line(catalog, shader, text).str(); }
-    std::string blocks(std::string_view text) const { return declare::blocks(catalog, shader, text).str(); }
-    std::string scene(std::string_view text) const { return declare::scene(catalog, &shader, text).str(); }
+    std::string line(std::string_view text) const { return declare::line(catalog, subject, text).str(); }
+    std::string blocks(std::string_view text) const { return declare::blocks(catalog, subject, text).str(); }
+    std::string scene(std::string_view text) const { return declare::scene(catalog, subject, text).str(); }
 };
 using List = std::vector<std::string>;
 
@@ -142,7 +143,7 @@ TEST_F(Pages, LineLinksOthersAndMarksOwnNames)
               "As <a href=\"vhAddScalar_v1.html\"><code>vh<wbr>Add<wbr>Scalar<wbr>_v1</code></a>.");
     EXPECT_EQ(line("vhAddColor_v2, vhAddColor_v3"), "<code>vhAddColor_v2</code>, vhAddColor_v3");
     EXPECT_EQ(line("input1 < weight"), "<code>input1</code> &lt; weight");
-    EXPECT_EQ(declare::line(catalog, shader, "Then weight.", declare::Names::all).str(),
+    EXPECT_EQ(declare::line(catalog, subject, "Then weight.", declare::Names::all).str(),
               "Then <code>weight</code>.");
     EXPECT_EQ(line("`a<b` and `rest"), "<code>a&lt;b</code> and <code>rest</code>");
     EXPECT_EQ(line(""), "");
@@ -209,6 +210,112 @@ TEST_F(Pages, SayWhatIsSaidOfAShader)
         EXPECT_NE(text.find(part), std::string::npos) << part;
     EXPECT_EQ(page().find("id=\"evaluation\""), std::string::npos);
     EXPECT_EQ(page().find("id=\"notes\""), std::string::npos);
+}
+
+static const char* const twoRecipes = R"(# Of the file.
+
+# ---- soft things ----
+# What is
+# soft.
+
+# Half < of vhAddScalar_v1: input1.
+# Formula: a; b < c
+# Network: one sum.
+# Edges: None.
+declare phenomenon
+    scalar "vhrHalfScalar_v3" (
+        scalar "input1" default 0.5             # (0, 1] what is halved
+    )
+    shader "sum" "vhAddScalar_v1" ( "input1" = interface "input1" )
+    root = "sum"
+    version 3
+    apply texture
+end declare
+
+# A quarter.
+# Formula: a
+# Source: Somebody
+# Network: twice vhrHalfScalar_v3.
+# Edges: None.
+declare phenomenon
+    color "vhrQuarterColor_v1" (
+        array string "names",                   # who
+        boolean "on" default off                # on: more
+    )
+    shader "a" "vhrHalfScalar_v3" ()
+    shader "b" "vhrHalfScalar_v3" ( "input1" = "a" )
+    root = "b"
+    version 1
+    apply texture, material
+end declare
+)";
+
+class RecipePages : public testing::Test {
+protected:
+    const std::vector<declare::RecipeGroup> groups = declare::recipes(twoRecipes);
+    const Catalog catalog{sample, groups};
+    const declare::Recipe &half = groups.at(0).recipes.at(0), &quarter = groups.at(0).recipes.at(1);
+
+    std::string page(const declare::Recipe& recipe) const
+    {
+        return declare::recipePage(catalog, {}, groups.front(), recipe);
+    }
+};
+
+TEST_F(RecipePages, CatalogKnowsWhoUsesWhat)
+{
+    EXPECT_TRUE(catalog.knows("vhrHalfScalar_v3"));
+    EXPECT_TRUE(catalog.knows("vhAddScalar_v1"));
+    EXPECT_FALSE(catalog.knows("vhrThird_v1"));
+    EXPECT_EQ(catalog.users("vhAddScalar_v1"), declare::Recipes{&half});
+    EXPECT_EQ(catalog.users("vhrHalfScalar_v3"), declare::Recipes{&quarter});
+    EXPECT_EQ(catalog.users("vhAddColor_v2"), declare::Recipes());
+    EXPECT_EQ(catalog.neighbour(half, -1), nullptr);
+    EXPECT_EQ(catalog.neighbour(half, +1), &quarter);
+    EXPECT_EQ(catalog.neighbour(quarter, +1), nullptr);
+}
+
+TEST_F(RecipePages, LinkWhatTheyAreMadeOfAndWhoUsesThem)
+{
+    for (const char* const part :
+         {"Half &lt; of <a href=\"vhAddScalar_v1.html\">", ">: <code>input1</code>.",
+          "a\nb &lt; c</code></pre>",
+          "<h3>Made of</h3>\n<ul class=\"names\">\n<li><a href=\"vhAddScalar_v1.html\">",
+          "<h3>Used by recipes</h3>\n<ul class=\"names\">\n<li><a href=\"vhrQuarterColor_v1.html\">",
+          "\"<a href=\"vhAddScalar_v1.html\">vhAddScalar_v1</a>\"", "<span>recipes.mi</span>",
+          "<a href=\"recipes.html#soft-things\">Soft things</a>", "version 3", "(0, 1]", "What is halved.",
+          "rel=\"next\" href=\"vhrQuarterColor_v1.html\""})
+        EXPECT_NE(page(half).find(part), std::string::npos) << part;
+    EXPECT_EQ(page(half).find("Source:"), std::string::npos);
+    EXPECT_NE(page(quarter).find("<p>Source: Somebody.</p>"), std::string::npos);
+    EXPECT_NE(page(quarter).find("array of <span class=\"type string\">string</span>"), std::string::npos);
+
+    const std::string shader = declare::shaderPage(catalog, {}, *catalog.find("vhAddScalar_v1"));
+    EXPECT_NE(
+        shader.find("<h3>Used by recipes</h3>\n<ul class=\"names\">\n<li><a href=\"vhrHalfScalar_v3.html\">"),
+        std::string::npos);
+    EXPECT_EQ(declare::shaderPage(catalog, {}, *catalog.find("vhAddColor_v2")).find("Used by"),
+              std::string::npos);
+}
+
+TEST_F(RecipePages, AreListedByGroupAndFound)
+{
+    const std::string all = declare::recipesPage(catalog, {});
+    EXPECT_NE(all.find("<h2 id=\"soft-things\">Soft things</h2>\n<p>What is soft.</p>"), std::string::npos);
+    EXPECT_NE(all.find("<h3><a href=\"vhrQuarterColor_v1.html\">"), std::string::npos);
+    EXPECT_NE(declare::startPage(catalog, {}).find("href=\"recipes.html#soft-things\""), std::string::npos);
+    const std::string index = declare::searchIndex(catalog);
+    EXPECT_NE(index.find(R"(const recipes = [
+["vhrHalfScalar_v3", "Soft things", "scalar", "Half < of vhAddScalar_v1: input1.", "input1"],
+["vhrQuarterColor_v1", "Soft things", "color", "A quarter.", "names on"],
+];)"),
+              std::string::npos)
+        << index;
+}
+
+TEST_F(Pages, SayNothingOfRecipesWhereThereAreNone)
+{
+    EXPECT_EQ(declare::startPage(catalog, {}).find("recipes.html"), std::string::npos);
 }
 
 TEST(SearchIndex, IsAScriptWhateverTheTextsAre)

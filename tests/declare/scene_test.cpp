@@ -47,6 +47,18 @@ shader "f" "b" ( "in" = "s.r" )
     EXPECT_EQ(declare::used(""), "");
 }
 
+TEST(WholeScene, DecidesConditionsAndHasWhatIsGuardedOnce)
+{
+    const std::filesystem::path folder = testing::TempDir() + "vhl_guarded_scene";
+    declare::writeFile(folder / "a.mi", "set \"mine\"\n$include \"b.mi\"\n$include \"b.mi\"\nlight\n");
+    declare::writeFile(folder / "b.mi",
+                       "# B.\n$ifndef \"b\"\nset \"b\"\nonce\n$include \"c.mi\"\n$endif\nmore\n");
+    declare::writeFile(folder / "c.mi",
+                       "$ifndef \"mine\"\n$include \"none.mi\"\n$endif\n$ifndef \"other\"\nother\n$endif\n");
+    EXPECT_EQ(declare::wholeScene(folder / "a.mi").text, "# B.\nonce\nother\nmore\n# B.\nmore\nlight\n");
+    std::filesystem::remove_all(folder);
+}
+
 TEST(WholeScene, HasWhatItIncludesAndNamesWhatLiesBeside)
 {
     const std::filesystem::path folder = testing::TempDir() + "vhl_whole_scene";

@@ -43,7 +43,7 @@ check_installed() # prefix, folder of docs/, examples/ and reference/
             fail "$prefix: no completion of $page"
     done
     for file in docs/README.md docs/reference/README.md docs/first.png examples/tile.png \
-        reference/{index.html,pictures/vhAddColor_v2.png}; do
+        reference/{index.html,recipes.html,pictures/vhAddColor_v2.png}; do
         [[ -s $doc/$file ]] || fail "$doc/$file is missing"
     done
     "$source/tests/docs/links_test.sh" "$doc"

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// Reads declarations/vhl.mi, by its own rules.
+// Reads declarations/vhl.mi and declarations/recipes.mi, by its own rules.
 import { readFileSync } from 'node:fs';
 
-const item = /^\s*(array )?([a-z ]+?) "(\w+)"(?: default ([^#]*?))?,?\s*(?:#:(.*))?$/;
+const item = /^\s*(array )?([a-z ]+?) +"(\w+)"(?: +default ([^#]*?))?,?\s*(?:#:(.*))?$/;
 
 const range = (type, hints = '') => {
   if (type === 'boolean') return 'on, off';
@@ -29,4 +29,30 @@ export const readDeclarations = file =>
       result: result.replace(/ \{.*/, ''),
       parameters: lines.map(parameter),
     };
+  });
+
+const capitalised = text => text[0].toUpperCase() + text.slice(1);
+
+/** Of every recipe its group, name, version, result, purpose, text, what it uses, and its parameters as above. */
+export const readRecipes = file =>
+  readFileSync(file, 'utf8').split(/^# ---- /m).slice(1).flatMap(part => {
+    const group = capitalised(part.slice(0, part.indexOf(' ----\n')));
+    return part.split('\n\n').filter(block => block.includes('\ndeclare phenomenon\n')).map(block => {
+      const [comment, declaration] = block.split('declare phenomenon\n');
+      const text = declaration.slice(0, declaration.indexOf('\nend declare'));
+      const [, result, name, body, network] = /^ *(\w+) "(\w+)" \(\n([^]*?)\n    \)\n([^]*)$/.exec(text);
+      const parameters = body.split('\n').map(line => {
+        const [written, about] = line.split(' # ');
+        const [, array, type, field, standard] = item.exec(written);
+        const span = /^[[(].*?[\])]/.exec(about)?.[0] ?? (type === 'boolean' ? 'on, off' : 'any');
+        return [field, (array ? 'array of ' : '') + type, standard?.trim() ?? 'empty', span];
+      });
+      return {
+        group, name, result, parameters,
+        version: /version (\d+)/.exec(network)[1],
+        purpose: comment.split('\n# Formula: ')[0].replace(/(^|\n)# /g, ' ').trim(),
+        uses: [...new Set([...network.matchAll(/shader +"[^"]+" +"(\w+)"/g)].map(([, used]) => used))],
+        text: `declare phenomenon\n${text}\nend declare`,
+      };
+    });
   });

@@ -8,13 +8,16 @@ import { tmpdir } from 'node:os';
 import { join } from 'node:path';
 import { after, test } from 'node:test';
 import { fileURLToPath, pathToFileURL } from 'node:url';
-import { readDeclarations } from './declarations.mjs';
+import { readDeclarations, readRecipes } from './declarations.mjs';
 
 const { SITE: site, SOURCE: source, MODULES: modules, CHROMIUM: executablePath, VHRENDER: vhrender } = process.env;
 const { chromium } = createRequire(join(modules, 'package.json'))('playwright-core');
 const urlOf = page => pathToFileURL(join(site, page)).href;
 const files = readdirSync(site).filter(name => name.endsWith('.html'));
 const shaders = readDeclarations(join(source, 'declarations/vhl.mi'));
+const recipes = readRecipes(join(source, 'declarations/recipes.mi'));
+/** What has a page of its own, and the folder of its scene. */
+const subjects = Object.entries({ shaders, recipes }).flatMap(([folder, all]) => all.map(it => ({ ...it, folder })));
 
 const browser = await chromium.launch({ executablePath, args: ['--disable-gpu'] });
 after(() => browser.close());
@@ -66,6 +69,9 @@ const survey = () => {
     code: all('.copyable code', code => code.textContent),
     whole: document.getElementById('whole')?.textContent,
     sections: all('.contents a', link => link.textContent),
+    lists: Object.fromEntries(all('main h3:has(+ .names)', title =>
+      [title.textContent, [...title.nextElementSibling.querySelectorAll('a')].map(link => link.textContent)])),
+    cards: all('.cards h3 a', link => [link.closest('section')?.querySelector('h2').textContent, link.textContent]),
   };
 };
 
@@ -79,38 +85,55 @@ await Promise.all(Array.from({ length: 2 }, () => withPage({}, async page => {
   }
 })));
 
-test('there is a page for every shader that is declared', () => {
+test('there is a page for every shader and recipe that is declared', () => {
   assert.ok(shaders.length > 0);
+  const declared = readFileSync(join(source, 'declarations/recipes.mi'), 'utf8').match(/^declare phenomenon$/gm);
+  assert.equal(recipes.length, declared.length);
   const pages = files.filter(name => name.startsWith('vh')).sort();
-  assert.deepEqual(pages, shaders.map(({ name }) => `${name}.html`).sort());
+  assert.deepEqual(pages, subjects.map(({ name }) => `${name}.html`).sort());
 });
 
 test('parameters and members are those of the declarations', () => {
-  for (const { name, parameters, members } of shaders) {
+  for (const { name, parameters, members = [] } of subjects) {
     const page = surveys.get(`${name}.html`);
     assert.deepEqual(page.parameters, parameters, name);
     assert.deepEqual(page.members, members, name);
   }
 });
 
-test('a shader page shows its declaration, version and result, and its scene as it is', () => {
-  for (const { name, version, result, text } of shaders) {
+test('a page shows its declaration, version and result, and its scene as it is', () => {
+  for (const { name, version, result, text, folder } of subjects) {
     const page = surveys.get(`${name}.html`);
     assert.ok(page.code.at(-1).trimEnd().endsWith(text), name);
     assert.match(page.text, new RegExp(`\\b${result}\\s+version ${version}\\n`), name);
-    assert.equal(page.code[0], readFileSync(join(source, 'examples/shaders', `${name}.mi`), 'utf8'));
+    assert.equal(page.code[0], readFileSync(join(source, 'examples', folder, `${name}.mi`), 'utf8'));
     assert.equal(page.whole, readFileSync(join(site, 'scenes', `${name}.mi`), 'utf8'));
   }
 });
 
-test('no shader lacks a picture, a scene or a section', () => {
-  const expected = ['Parameters', 'Result', 'Evaluation', 'Edge cases', 'Messages', 'Example', 'Declaration',
-    'See also'];
-  for (const { name } of shaders) {
+test('no page lacks a picture, a scene or a section', () => {
+  const expected = {
+    shaders: ['Parameters', 'Result', 'Evaluation', 'Edge cases', 'Messages', 'Example', 'Declaration', 'See also'],
+    recipes: ['Parameters', 'Result', 'Formula', 'Network', 'Edge cases', 'Example', 'Declaration', 'See also'],
+  };
+  for (const { name, folder } of subjects) {
     const { sections, pictures } = surveys.get(`${name}.html`);
-    assert.deepEqual(sections.filter(title => title !== 'Notes'), expected, name);
+    assert.deepEqual(sections.filter(title => title !== 'Notes'), expected[folder], name);
     assert.ok(pictures.some(([source]) => source === urlOf(`pictures/${name}.png`)), name);
   }
+});
+
+test('recipes and what they are made of lead to each other', () => {
+  for (const { name, uses } of recipes)
+    assert.deepEqual(surveys.get(`${name}.html`).lists['Made of'], uses, name);
+  for (const { name } of subjects) {
+    const users = recipes.filter(({ uses }) => uses.includes(name)).map(recipe => recipe.name);
+    assert.deepEqual(surveys.get(`${name}.html`).lists['Used by recipes'] ?? [], users, name);
+  }
+});
+
+test('all recipes are listed by group, as they are declared', () => {
+  assert.deepEqual(surveys.get('recipes.html').cards, recipes.map(({ group, name }) => [group, name]));
 });
 
 test('every link leads to a page, and to a place on it', () => {
@@ -131,20 +154,22 @@ test('every page can be reached from the start', () => {
   assert.deepEqual([...reached].sort(), files.sort());
 });
 
-test('previous and next pass through all shaders and back', async () => {
+const passThrough = all => {
   const follow = (relation, name) => {
     const link = new RegExp(`rel="${relation}" href="(\\w+)\\.html"`);
     return link.exec(readFileSync(join(site, `${name}.html`), 'utf8'))?.[1];
   };
-  const start = shaders.map(({ name }) => name).filter(name => !follow('prev', name));
+  const start = all.map(({ name }) => name).filter(name => !follow('prev', name));
   assert.equal(start.length, 1);
   const passed = [];
   for (let name = start[0]; name; name = follow('next', name)) {
     if (passed.length) assert.equal(follow('prev', name), passed.at(-1));
     passed.push(name);
   }
-  assert.deepEqual(passed.sort(), shaders.map(({ name }) => name).sort());
-});
+  assert.deepEqual(passed.sort(), all.map(({ name }) => name).sort());
+};
+test('previous and next pass through all shaders and back', () => passThrough(shaders));
+test('previous and next pass through all recipes and back', () => passThrough(recipes));
 
 test('every picture is there and has a text and a size', () => {
   for (const [name, { pictures }] of surveys)
@@ -195,14 +220,35 @@ test('search finds by name, by words of a description, by parameter', () => open
   assert.equal(await page.textContent('tr:target th'), 'defaultColor');
 }));
 
-test('every shader is the first that its name finds', () => open('index.html', async page => {
+test('recipes are found by name, purpose and parameter, and marked', () => open('index.html', async page => {
+  const marks = () => page.locator('#found a:has(b)').evaluateAll(links =>
+    links.map(link => [link.querySelector('code').textContent, link.querySelector('b').textContent]));
+  assert.equal((await find(page, 'smoothstep'))[0], 'vhrSmoothstepScalar_v1');
+  assert.deepEqual(await marks(), [['vhrSmoothstepScalar_v1', 'recipe']]);
+  assert.deepEqual(await find(page, 'old photographs'), ['vhrSepiaColor_v1']);
+  assert.deepEqual((await find(page, 'linewidth')).sort(), ['vhrSafeFrameColor_v1', 'vhrWipeColor_v1']);
+  await page.click('#found a');
+  await page.waitForURL('**/vhr*.html#p-lineWidth');
+  await find(page, 'recipe patterns');
+  const patterns = recipes.filter(({ group }) => group === 'Patterns').map(({ name }) => [name, 'recipe']);
+  assert.deepEqual((await marks()).sort(), patterns.sort());
+  const found = await find(page, 'add color');
+  assert.equal((await marks()).length, found.filter(name => name.startsWith('vhr')).length);
+
+  for (const { name, purpose } of recipes) {
+    const texts = (await find(page, purpose), await page.locator('#found a').allTextContents());
+    assert.ok(texts.some(text => text.startsWith(name) && text.endsWith(purpose)), name);
+  }
+}));
+
+test('every shader and recipe is the first that its name finds', () => open('index.html', async page => {
   const firsts = await page.evaluate(names => names.map(name => {
     const input = document.getElementById('query');
     input.value = name;
     input.dispatchEvent(new Event('input'));
     return document.querySelector('#found code').textContent;
-  }), shaders.map(({ name }) => name));
-  assert.deepEqual(firsts, shaders.map(({ name }) => name));
+  }), subjects.map(({ name }) => name));
+  assert.deepEqual(firsts, subjects.map(({ name }) => name));
 }));
 
 test('colour and color find the same', () => open('index.html', async page => {
@@ -294,7 +340,12 @@ test('whole scenes and declarations can be copied', () => open('vhSwitchColor_v4
 }, mayCopy));
 
 test('what is copied renders in an empty folder, beside the pictures that the page hands out', async () => {
-  for (const [name, textures] of [['vhSwitchColor_v4', []], ['vhMixerVector4_v1', ['still-life.png']]])
+  for (const [name, textures, picture] of [
+    ['vhSwitchColor_v4', [], 'vhSwitchColor_v4.png'],
+    ['vhMixerVector4_v1', ['still-life.png'], 'vhMixerVector4_v1.png'],
+    ['vhrRimColor_v1', [], 'recipe.png'],
+    ['vhrSepiaColor_v1', ['photo.png'], 'recipe.png'],
+  ])
     await open(`${name}.html`, async page => {
       const folder = mkdtempSync(join(tmpdir(), 'vhl-copied-'));
       try {
@@ -305,11 +356,20 @@ test('what is copied renders in an empty folder, beside the pictures that the pa
         writeFileSync(join(folder, 'copied.mi'), await copy(page, 0));
         const options = { cwd: folder, encoding: 'utf8', stdio: 'pipe' };
         assert.equal(execFileSync('sh', ['-c', '"$0" copied.mi 2>&1', vhrender], options), '');
-        assert.ok(existsSync(join(folder, `${name}.png`)));
+        assert.ok(existsSync(join(folder, picture)));
       } finally {
         rmSync(folder, { recursive: true });
       }
     }, mayCopy);
+});
+
+test('every whole scene can be read without what it was pasted from', () => {
+  for (const { name } of subjects) {
+    const scene = join(site, 'scenes', `${name}.mi`);
+    assert.doesNotMatch(readFileSync(scene, 'utf8'), /^\$include "/m, name);
+    const told = execFileSync('sh', ['-c', '"$0" -check "$1" 2>&1', vhrender, scene], { encoding: 'utf8' });
+    assert.match(told, /^(frame \d+: .* can be rendered\n)+$/, name);
+  }
 });
 
 test('the theme is the system\'s, until a switch that is remembered', () => open('index.html', async page => {
@@ -365,9 +425,9 @@ const faint = () => {
 
 for (const colorScheme of ['light', 'dark'])
   test(`every text is readable, ${colorScheme}`, () => withPage({ colorScheme }, async page => {
-    for (const name of ['index', 'arithmetic', 'vhSwitchColor_v4', 'vhColor2Scalars_v1']) {
+    for (const name of ['index', 'arithmetic', 'vhSwitchColor_v4', 'vhColor2Scalars_v1', 'recipes', 'vhrGainScalar_v1']) {
       await page.goto(urlOf(`${name}.html`));
-      await page.fill('#query', 'color');
+      await page.fill('#query', 'color mi');
       assert.deepEqual(await page.evaluate(faint), [], name);
       await page.hover('#theme');
       assert.deepEqual(await page.evaluate(faint), [], name);
@@ -376,8 +436,9 @@ for (const colorScheme of ['light', 'dark'])
 
 const telephone = { viewport: { width: 360, height: 740 } };
 test('nothing is wider than a telephone', () => withPage(telephone, async page => {
-  const widest = ['vhSwitchColor_v4', 'vhMixerColor16_v1', 'vhStateRefractionLevelScalar_v1'];
-  for (const name of ['index', 'state', ...widest]) {
+  const widest = ['vhSwitchColor_v4', 'vhMixerColor16_v1', 'vhStateRefractionLevelScalar_v1', 'vhrSafeFrameColor_v1',
+    'vhrPatternMatteColor_v1'];
+  for (const name of ['index', 'state', 'recipes', ...widest]) {
     await page.goto(urlOf(`${name}.html`));
     await page.fill('#query', 'color');
     assert.equal(await page.evaluate(() => document.documentElement.scrollWidth), 360, name);

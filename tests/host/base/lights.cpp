@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 
 namespace {
@@ -78,6 +79,45 @@ instance "lamp-i" "lamp"  transform 0 0 1 0  0 1 0 0  -1 0 0 0  2 0 0 1  end ins
             return cosine;
         return cosine <= 0.8f ? 0.0f : cosine * (cosine - 0.8f) / 0.15f;
     });
+}
+
+TEST(Lights, AMovingSpotSweepsTheWall)
+{
+    // While the shutter is open the spot's matrix shears its axis from (0, 0, -1) to (1/2, 0, -1): the round
+    // spot on the wall, of the radius 2 tan(acos .9), goes from the middle to x = 1, and a place is lit for
+    // as long as it is inside.
+    const auto picture = rendered(white + R"(
+light "lamp" "mib_light_spot" ( "cone" .9 ) origin 0 0 0 direction 0 0 -1 spread .9 end light
+instance "lamp-i" "lamp"
+    transform 1 0 0 0  0 1 0 0  0 0 1 0  0 0 -2 1  motion transform 1 0 0 0  0 1 0 0  .5 0 1 0  -1 0 -2 1
+end instance
+)",
+                                  R"("wall-i" "lamp-i")", "samples 3 3  shutter 1");
+    const double radius = 2.0 * std::tan(std::acos(0.9));
+    const auto colour = [&](double x, double y) {
+        const double half = std::sqrt(std::max(0.0, radius * radius - y * y));
+        const double share = std::max(0.0, std::min(1.0, x + half) - std::max(0.0, x - half));
+        return share * 2.0 / std::hypot(x, y, 2.0);
+    };
+    constexpr int steps = 16; // over the width of a pixel
+    constexpr double width = 4.0 / 41.0 / steps;
+    double total = 0.0, difference = 0.0, squares = 0.0;
+    for (int j = 0; j < picture.height; ++j)
+        for (int i = 0; i < picture.width; ++i) {
+            double expected = 0.0;
+            for (int k = 0; k < steps * steps; ++k)
+                expected += colour(place(i) + (k % steps - (steps - 1) / 2.0) * width,
+                                   place(j) + (k / steps - (steps - 1) / 2.0) * width) /
+                            (steps * steps);
+            const double error = picture.at(i, j).g - expected;
+            total += expected;
+            difference += error;
+            squares += error * error;
+        }
+    // 64 samples in each pixel.
+    EXPECT_GT(total, 100.0);
+    EXPECT_NEAR(difference / total, 0.0, 3e-3);
+    EXPECT_LT(std::sqrt(squares / (41.0 * 41.0)), 0.02);
 }
 
 TEST(Lights, InfiniteIsTheSameEverywhere)

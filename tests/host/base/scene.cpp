@@ -31,7 +31,7 @@ Picture picture(const std::string& file)
 
 } // namespace
 
-Picture rendered(const std::string& body, const std::string& instances)
+Picture rendered(const std::string& body, const std::string& instances, const std::string& options)
 {
     const test::Folder folder;
     const std::string file = folder.path("picture.exr");
@@ -42,7 +42,8 @@ Picture rendered(const std::string& body, const std::string& instances)
 link "base.so"
 $include <base.mi>
 )" + body + R"(
-options "opt"  samples 0 0  trace depth 4 4 8  shadow on  object space  end options
+options "opt"  samples 0 0  trace depth 4 4 8  shadow on  object space  )" +
+                             options + R"( end options
 camera "cam"
     output "rgba_fp" "exr" ")" +
                              file + R"("

@@ -20,8 +20,8 @@ struct Picture {
 /// loads the base library and looks down the z axis from z = 10: in parallel, 4 wide, on 41 × 41 pixels, so
 /// that pixel (i, j) sees x = (i − 20) · 4/41 and y = (j − 20) · 4/41. `instances` are the names in the root
 /// group. The camera's environment is "surroundings", and its volume "fog", when `body` defines such a
-/// shader.
-Picture rendered(const std::string& body, const std::string& instances);
+/// shader. `options` are further options.
+Picture rendered(const std::string& body, const std::string& instances, const std::string& options = "");
 
 /// Where a pixel of that frame lies.
 inline float place(int pixel) { return static_cast<float>(pixel - 20) * 4.0f / 41.0f; }

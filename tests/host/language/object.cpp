@@ -99,6 +99,73 @@ TEST(Object, VerticesIndexTheOneVectorList)
     EXPECT_EQ(shape.object().vertices[4].point, 0u);
 }
 
+TEST(Object, BumpBasesBelongToTextureVectors)
+{
+    Scene scene(
+        "object \"o\" group 0 0 0 1 0 0 2 0 0 3 0 0 v 0 t 1 v 1 t 0 t 2 3 1 v 2 t 1 0 2 t 3 end group end "
+        "object");
+    const host::Object& o = scene.get<host::Object>("o");
+    constexpr std::uint32_t none = host::Vertex::none;
+    const auto basis = [&](std::size_t vertex, std::uint32_t space) {
+        const host::BumpBasis found = o.bumpBasis(o.vertices[vertex], space);
+        return Indices{found.x, found.y};
+    };
+    EXPECT_EQ(basis(0, 0), (Indices{none, none}));
+    EXPECT_EQ(basis(1, 0), (Indices{none, none}));
+    EXPECT_EQ(basis(1, 1), (Indices{3, 1}));
+    EXPECT_EQ(basis(2, 0), (Indices{0, 2}));
+    EXPECT_EQ(basis(2, 1), (Indices{none, none}));
+    EXPECT_EQ(o.textureIndices, (Indices{1, 0, 2, 1, 3}));
+}
+
+TEST(Object, DerivativesHaveTheirPlacesByTheirNumber)
+{
+    // Two are those of first order, three those of second order, five both.
+    Scene scene("object \"o\" group 0 0 0 1 0 0 2 0 0 v 0 v 1 d 1 2 v 2 n 0 d 0 1 2 t 0 v 0 d 0 1 2 1 0 v 1 "
+                "end group end "
+                "object");
+    const host::Object& o = scene.get<host::Object>("o");
+    constexpr std::uint32_t none = host::Vertex::none;
+    const host::Derivatives expected[] = {{none, none, none, none, none},
+                                          {1, 2, none, none, none},
+                                          {none, none, 0, 1, 2},
+                                          {0, 1, 2, 1, 0},
+                                          {none, none, none, none, none}};
+    for (std::uint32_t i = 0; i < 5; ++i)
+        EXPECT_EQ(o.derivativesOf(i), expected[i]) << i;
+}
+
+TEST(Object, WithoutThemThereIsNoRoomForBumpBasesAndDerivatives)
+{
+    Scene scene("object \"o\" group 0 0 0 v 0 t 0 v 0 t 0 end group end object");
+    const host::Object& o = scene.get<host::Object>("o");
+    EXPECT_EQ(o.bumpBases.capacity(), 0u);
+    EXPECT_EQ(o.derivatives.capacity(), 0u);
+    EXPECT_EQ(sizeof(host::Vertex), 24u);
+}
+
+TEST(Object, AVertexHasTwoThreeOrFiveDerivatives)
+{
+    const auto refused = [](const std::string& indices) {
+        return errorOf("object \"o\" group 0 0 0\nv 0 v 0\nn 0 d " + indices + " v 0");
+    };
+    for (const auto& [indices, found] :
+         {std::pair("0", "1"), std::pair("0 0 0 0", "4"), std::pair("0 0 0 0 0 0", "6"),
+          std::pair("0 0 0 0 0 0 0 0 0 0", "10")})
+        EXPECT_EQ(refused(indices), "3:5: vertex 1 needs 2, 3 or 5 derivatives, found " + std::string(found));
+    EXPECT_EQ(refused("0 0 0 0 0 0 1"), "3:19: vertex 1 uses vector 1 of 1");
+    EXPECT_EQ(refused(""), "3:8: found the keyword \"v\", expected an integer");
+    EXPECT_EQ(refused("0 0.5"), "3:9: found 0.5, expected a vertex, a polygon, an integer or \"end\"");
+}
+
+TEST(Object, ABumpBasisIsTwoVectors)
+{
+    EXPECT_EQ(errorOf("object \"o\" group 0 0 0 v 0\nt 0 0 v 0"),
+              "2:7: found the keyword \"v\", expected an integer");
+    EXPECT_EQ(errorOf("object \"o\" group 0 0 0 v 0\nt 0 0 0 0"),
+              "2:9: found 0, expected a vertex, a polygon or \"end\"");
+}
+
 TEST(Object, PolygonsHaveMaterialsAndKinds)
 {
     Shape s("c 0 1 2  cp \"red\" 0 1 2 3  p \"blue\" 1 2 3  p red 0 2 3");
@@ -159,7 +226,8 @@ TEST(Object, IndicesAreCheckedWhereTheyStand)
 {
     EXPECT_EQ(errorOf("object \"o\" group 0 0 0\nv 0 v 1"), "2:7: vertex 1 uses vector 1 of 1");
     EXPECT_EQ(errorOf("object \"o\" group 0 0 0\nv -1"), "2:3: vertex 0 uses vector -1 of 1");
-    for (const std::string field : {"n", "t", "m", "u", "d", "t 0 0"})
+    EXPECT_EQ(errorOf("object \"o\" group 0 0 0\nv 0 t 0 12 0"), "2:9: vertex 0 uses vector 12 of 1");
+    for (const std::string field : {"n", "t", "m", "u", "d", "d 0 0 0 0", "t 0 0"})
         EXPECT_EQ(errorOf("object \"o\" group 0 0 0\nv 0 " + field + "\n12 v 0"),
                   "3:1: vertex 0 uses vector 12 of 1")
             << field;
@@ -204,19 +272,25 @@ TEST(Object, OtherGeometryIsAnErrorThatNamesTheObject)
 TEST(Object, ASecondGroupCountsFromItsOwnBeginning)
 {
     Scene scene("object \"o\" group 0 0 0 1 0 0 0 1 0 v 0 v 1 v 2 c 0 1 2 end group\n"
-                "group 5 0 0 6 0 0 5 1 0 v 0 v 1 v 2 c 2 1 0 end group end object");
+                "group 5 0 0 6 0 0 5 1 0 v 0 d 1 2 t 0 1 2 v 1 v 2 c 2 1 0 end group end object");
     const host::Object& o = scene.get<host::Object>("o");
     EXPECT_EQ(o.vertices[3].point, 3u);
+    EXPECT_EQ(o.derivativesOf(3)[0], 4u);
+    EXPECT_EQ(o.bumpBasis(o.vertices[3], 0).y, 5u);
     EXPECT_EQ(o.loopVertices, (Indices{0, 1, 2, 5, 4, 3}));
 }
 
 TEST(Object, AChangeReplacesTheGeometryAndKeepsTheFlags)
 {
-    Shape s("c 0 1 2", "visible shadow tag 3");
+    Shape s("v 0 d 0 1 t 0 1 2 c 0 1 2", "visible shadow tag 3");
     s.scene.read("incremental object \"o\" shadow off end object");
     EXPECT_EQ(s.object().polygons.size(), 1u);
+    EXPECT_EQ(s.object().derivatives.size(), 6u);
+    EXPECT_EQ(s.object().bumpBases.size(), 1u);
     s.scene.read("incremental object \"o\" group 0 0 0 1 0 0 0 1 0 v 0 v 1 v 2 c 2 1 0 end group end object");
     EXPECT_EQ(s.object().vectors.size(), 3u);
+    EXPECT_TRUE(s.object().derivatives.empty());
+    EXPECT_TRUE(s.object().bumpBases.empty());
     EXPECT_EQ(s.object().loopVertices, (Indices{2, 1, 0}));
     EXPECT_TRUE(s.object().visible);
     EXPECT_EQ(s.object().shadow, 2);

@@ -5,10 +5,12 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 
 namespace {
 
+using host::operator+;
 using test::Scene;
 
 void expectNear(const miVector& v, double x, double y, double z, double tolerance = 1e-5)
@@ -172,8 +174,237 @@ TEST(Hit, TextureSpacesAndMotionAreInterpolated)
     ASSERT_EQ(scene.textures.size(), 2u);
     expectNear(scene.textures[0], 1.25, 0, 1);
     expectNear(scene.textures[1], 0, 2.25, -1.25);
-    expectNear(scene.seen.tex, 1.25, 0, 1); // the first space
+    expectNear(scene.seen.tex, 1.25, 0, 1);    // the first space
     expectNear(scene.seen.motion, 1.25, 2, 0); // a direction, taken to internal space
+}
+
+namespace {
+
+/// Adds a vector to an object's list and returns its index.
+std::uint32_t added(host::Object& object, const miVector& vector)
+{
+    object.vectors.push_back(vector);
+    return std::uint32_t(object.vectors.size() - 1);
+}
+
+/// A triangle whose bottom corners have the weight 1/4 and whose top has 1/2 where the ray along -z meets it.
+/// Each corner has two texture spaces, the second with the bump basis (i, 1, 0), (0, i, -1), and the
+/// derivatives (i, 0, 1), (0, 1, i), (i², 0, 0), (0, i², 0), (0, 0, i²), i from 0 to 2.
+host::Object& derivedTriangle(Scene& scene)
+{
+    host::Object& made = scene.object({{-1, -1, 0}, {1, -1, 0}, {0, 1, 0}}, {{0, 1, 2}});
+    for (std::uint32_t i = 0; i < 3; ++i) {
+        const float f = float(i), ff = f * f;
+        made.vertices[i].firstTexture = 2 * i;
+        made.vertices[i].textureCount = 2;
+        made.textureIndices.insert(made.textureIndices.end(), 2, added(made, {f, 0, 0}));
+        made.bumpBases.push_back({});
+        made.bumpBases.push_back({added(made, {f, 1, 0}), added(made, {0, f, -1})});
+        made.derivatives.push_back({added(made, {f, 0, 1}), added(made, {0, 1, f}), added(made, {ff, 0, 0}),
+                                    added(made, {0, ff, 0}), added(made, {0, 0, ff})});
+    }
+    return made;
+}
+
+/// Copies of what the state's pointers lead to. Null pointers give empty lists.
+struct SurfaceLists {
+    std::vector<miVector> bumpX, bumpY, derivatives;
+
+    SurfaceLists() = default;
+    SurfaceLists(const miState& state, std::size_t spaces)
+    {
+        const auto copy = [](const miVector* list, std::size_t count) {
+            return list ? std::vector<miVector>(list, list + count) : std::vector<miVector>();
+        };
+        bumpX = copy(state.bump_x_list, spaces);
+        bumpY = copy(state.bump_y_list, spaces);
+        derivatives = copy(state.derivs, 5);
+    }
+};
+
+void expectSame(const SurfaceLists& a, const SurfaceLists& b)
+{
+    for (const auto list : {&SurfaceLists::bumpX, &SurfaceLists::bumpY, &SurfaceLists::derivatives}) {
+        ASSERT_EQ((a.*list).size(), (b.*list).size());
+        for (std::size_t i = 0; i < (a.*list).size(); ++i)
+            expectNear((a.*list)[i], (b.*list)[i].x, (b.*list)[i].y, (b.*list)[i].z, 0);
+    }
+}
+
+/// A material that notes the lists, and then goes on.
+host::Material& listing(Scene& scene, SurfaceLists& lists, std::function<void(miState&)> goOn = {})
+{
+    return scene.material([&lists, goOn](miColor& result, miState& state) {
+        lists = SurfaceLists(state, 2);
+        if (goOn)
+            goOn(state);
+        result = {1, 1, 1, 1};
+        return miTRUE;
+    });
+}
+
+} // namespace
+
+TEST(Hit, BumpBasesAreInterpolatedInObjectSpace)
+{
+    Scene scene;
+    SurfaceLists lists;
+    auto& instance = scene.place(derivedTriangle(scene));
+    test::setMatrix(instance, {0, 3, 0, 0, -2, 0, 0, 0, 0, 0, 1, 0, 0, 0, -2, 1}); // turned and scaled
+    instance.materials = {listing(scene, lists).tag};
+    scene.look();
+    // i is 5/4 in the mean.
+    ASSERT_EQ(lists.bumpX.size(), 2u);
+    expectNear(lists.bumpX[0], 0, 0, 0, 0); // the first space has none
+    expectNear(lists.bumpY[0], 0, 0, 0, 0);
+    expectNear(lists.bumpX[1], 1.25, 1, 0);
+    expectNear(lists.bumpY[1], 0, 1.25, -1);
+}
+
+TEST(Hit, DerivativesAreInterpolatedAndTakenToInternalSpaceAsVectors)
+{
+    Scene scene;
+    SurfaceLists lists;
+    // Turned by a quarter about z and scaled by 3, 2 and 5; with the back to the eye, which turns normals,
+    // and nothing else.
+    auto& instance = scene.place(derivedTriangle(scene));
+    test::setMatrix(instance, {0, 3, 0, 0, 2, 0, 0, 0, 0, 0, -5, 0, 0, 0, -2, 1});
+    miState seen{};
+    instance.materials = {listing(scene, lists, [&](miState& state) { seen = state; }).tag};
+    scene.look();
+    EXPECT_TRUE(seen.inv_normal);
+    ASSERT_EQ(lists.derivatives.size(), 5u);
+    // In the mean i is 5/4 and i² is 9/4; (x, y, z) becomes (2 y, 3 x, -5 z).
+    expectNear(lists.derivatives[0], 0, 3.75, -5);
+    expectNear(lists.derivatives[1], 2, 0, -6.25);
+    expectNear(lists.derivatives[2], 0, 6.75, 0);
+    expectNear(lists.derivatives[3], 4.5, 0, 0);
+    expectNear(lists.derivatives[4], 0, 0, -11.25);
+}
+
+TEST(Hit, DerivativesTurnWithWhatMoves)
+{
+    // At t the axis x is (1 - t, t, 0), y (-t, 1 - t, 0).
+    Scene scene;
+    scene.options.record.motion = 1;
+    scene.options.record.shutter = 1;
+    auto& instance = scene.place(derivedTriangle(scene));
+    test::setMatrix(instance, {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, -2, 1});
+    test::setMotion(instance, {0, 1, 0, 0, -1, 0, 0, 0, 0, 0, 1, 0, 0, 0, -2, 1});
+    int seen = 0;
+    instance.materials = {scene
+                              .material([&](miColor&, miState& state) {
+                                  const double t = state.time, i = state.bary[1] + 2.0 * state.bary[2];
+                                  EXPECT_TRUE(state.derivs);
+                                  if (state.derivs) {
+                                      expectNear(state.derivs[0], i * (1 - t), i * t, 1);
+                                      expectNear(state.derivs[1], -t, 1 - t, i);
+                                  }
+                                  ++seen;
+                                  return miTRUE;
+                              })
+                              .tag};
+    scene.options.record.min_samples = scene.options.record.max_samples = 2;
+    scene.render();
+    EXPECT_GT(seen, 16);
+}
+
+TEST(Hit, OnlyWhatAllThreeVerticesHaveIsInterpolated)
+{
+    Scene scene;
+    SurfaceLists lists;
+    host::Object& triangle = derivedTriangle(scene);
+    scene.place(triangle, {0, 0, -2}).materials = {listing(scene, lists).tag};
+    const auto look = [&] {
+        lists = SurfaceLists();
+        scene.look();
+        return lists;
+    };
+    // One vertex has the first order only.
+    std::fill_n(triangle.derivatives[1].begin() + 2, 3, host::Vertex::none);
+    EXPECT_EQ(look().derivatives.size(), 5u);
+    expectNear(lists.derivatives[0], 1.25, 0, 1);
+    for (int i = 2; i < 5; ++i)
+        expectNear(lists.derivatives[std::size_t(i)], 0, 0, 0, 0);
+    // The last has none.
+    triangle.derivatives.pop_back();
+    EXPECT_TRUE(look().derivatives.empty());
+    EXPECT_EQ(lists.bumpX.size(), 2u);
+    // Nor a basis.
+    triangle.bumpBases.resize(5);
+    EXPECT_TRUE(look().bumpX.empty());
+    EXPECT_TRUE(lists.bumpY.empty());
+}
+
+TEST(Hit, WithoutBumpBasesAndDerivativesTheirPointersAreNull)
+{
+    Looking scene;
+    host::Object& triangle = derivedTriangle(scene);
+    triangle.bumpBases.clear();
+    triangle.derivatives.clear();
+    scene.place(triangle, {0, 0, -2}).materials = {scene.watcher(2).tag};
+    scene.look();
+    EXPECT_EQ(scene.textures.size(), 2u);
+    EXPECT_EQ(scene.seen.bump_x_list, nullptr);
+    EXPECT_EQ(scene.seen.bump_y_list, nullptr);
+    EXPECT_EQ(scene.seen.derivs, nullptr);
+}
+
+TEST(Hit, ListsOutliveWhateverTheShaderAsksFor)
+{
+    // A mirror that shows a triangle with other vectors and is lit through it; what leaves the scene has
+    // none.
+    Scene scene;
+    SurfaceLists before, reflected, lit, shadowed, outside, after;
+    outside.bumpX.resize(1);
+    host::Object& mirror = derivedTriangle(scene);
+    host::Object& other = derivedTriangle(scene);
+    for (miVector& vector : other.vectors)
+        vector = vector + miVector{9, 9, 9};
+    other.vectors[0] = {-50, -50, 0};
+    other.vectors[1] = {50, -50, 0};
+    other.vectors[2] = {0, 50, 0};
+    const miTag lamp = scene
+                           .place(scene.pointLight({0, 0, 9},
+                                                   [&](miColor& result, miState& state) {
+                                                       lit = SurfaceLists(state, 2);
+                                                       return mi_trace_shadow(&result, &state);
+                                                   }))
+                           .tag;
+    host::Material& behind = listing(scene, reflected);
+    behind.shadow = {scene
+                         .shader([&](miColor&, miState& state) {
+                             shadowed = SurfaceLists(state, 2);
+                             return miTRUE;
+                         })
+                         .tag};
+    scene.place(other, {0, 0, 5}).materials = {behind.tag};
+    scene.camera.environment = {scene
+                                    .shader([&](miColor&, miState& state) {
+                                        outside = SurfaceLists(state, 2);
+                                        return miTRUE;
+                                    })
+                                    .tag};
+    scene.options.record.reflection_depth = scene.options.record.trace_depth = 2;
+    scene.place(mirror, {0, 0, -2}).materials = {
+        listing(scene, before, [&](miState& state) {
+            miColor color;
+            miVector back = {0, 0, 1}, away = {0, 1, 0};
+            mi_trace_reflection(&color, &state, &back);
+            mi_trace_environment(&color, &state, &away);
+            int samples = 0;
+            while (mi_sample_light(&color, nullptr, nullptr, &state, lamp, &samples)) {
+            }
+            after = SurfaceLists(state, 2);
+        }).tag};
+    scene.look();
+    EXPECT_EQ(before.derivatives.size(), 5u);
+    expectSame(after, before);
+    expectSame(lit, before);
+    expectSame(shadowed, reflected);
+    ASSERT_EQ(reflected.bumpX.size(), 2u);
+    expectNear(reflected.bumpX[1], 1.25 + 9, 10, 9, 1e-4);
+    expectSame(outside, {});
 }
 
 TEST(Hit, MotionIsThatOfTheObjectAndOfItsInstances)

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Motion blur against closed forms: what moves evenly covers a pixel for the share of time that it takes.
+#include "host/api/further.h"
 #include "tests/harness/messages.h"
 #include "tests/host/render/scene.h"
 
@@ -14,6 +15,7 @@
 namespace {
 
 using namespace test;
+using host::operator-;
 
 constexpr host::Matrix moved(double x, double y, double z)
 {
@@ -269,21 +271,228 @@ TEST(Motion, ACameraThatTurnsSweepsItsDirections)
         EXPECT_NEAR(picture.color(x, 0).r, 0.5, 0.07) << x;
 }
 
-TEST(Motion, OfLightsIsToldToBeMissing)
+namespace {
+
+/// A floor one below the origin, seen by a narrow camera at (0, 0) that no light reaches otherwise than
+/// `shade` says; `cosine` multiplies it.
+struct Floor : Moving {
+    Floor()
+    {
+        camera.record.aperture = 0.008f;
+        place(square(90), {0, 0, -1}).materials = {
+            material([this](miColor& result, miState& state) {
+                miColor light;
+                float cosine = 0;
+                int samples = 0;
+                result = {0, 0, 0, 1};
+                while (mi_sample_light(&light, nullptr, &cosine, &state, lamp, &samples))
+                    result.r += light.r * cosine;
+                if (samples)
+                    result.r /= float(samples);
+                return miTRUE;
+            }).tag};
+    }
+
+    host::Light& light(Shade shade)
+    {
+        host::Light& made = pointLight({0, 0, 0}, std::move(shade));
+        instance = &place(made, {0, 0, 0});
+        lamp = instance->tag;
+        return made;
+    }
+
+    /// The mean of the picture, whose pixels all see the same.
+    double mean()
+    {
+        const host::Picture picture = render();
+        double sum = 0.0;
+        for (int x = 0; x < 8; ++x)
+            sum += picture.color(x, 0).r / 8.0;
+        return sum;
+    }
+
+    host::Instance* instance = nullptr;
+    miTag lamp = 0;
+};
+
+/// Falls off with the square of the distance.
+miBoolean inverseSquare(miColor& result, miState& state)
 {
-    Moving scene;
-    scene.place(scene.pointLight({0, 0, 0}, [](miColor&, miState&) { return miTRUE; }));
-    const Messages messages;
-    scene.render();
-    EXPECT_TRUE(messages.lines().empty());
-    setMotion(scene.place(scene.pointLight({0, 0, 0}, [](miColor&, miState&) { return miTRUE; })),
-              moved(1, 0, 0));
-    scene.render();
-    ASSERT_EQ(messages.lines().size(), 1u);
-    EXPECT_EQ(messages.count("lights with a motion transform stay where they are as the shutter opens"), 1);
-    scene.options.record.motion = 0;
-    scene.render();
-    EXPECT_EQ(messages.lines().size(), 1u);
+    const float dist = float(state.dist);
+    result = {1 / (dist * dist), 0, 0, 1};
+    return miTRUE;
+}
+
+} // namespace
+
+TEST(Motion, APointLightThatPassesLightsByItsMean)
+{
+    // From x = a to x = b at the height h above a point the mean of h / (x² + h²)^(3/2) is the difference of
+    // x / (h sqrt(x² + h²)), divided by b - a.
+    const struct {
+        double a, b, h;
+    } rows[] = {{-3, 3, 1}, {0, 2, 0.5}, {1, 5, 2}};
+    for (const auto& [a, b, h] : rows)
+        for (const bool byGroup : {false, true}) {
+            const auto integral = [h = h](double x) { return x / (h * std::hypot(x, h)); };
+            Floor scene;
+            scene.light(inverseSquare);
+            moveTo(*scene.instance, {float(a), 0, float(h - 1)});
+            if (byGroup) {
+                std::erase(scene.root.members, scene.lamp);
+                auto& cart = scene.session.database.make<host::Group>();
+                cart.members.push_back(scene.lamp);
+                setMotion(scene.place(cart), moved(b - a, 0, 0));
+            } else {
+                setMotion(*scene.instance, moved(b, 0, h - 1));
+            }
+            const Messages messages;
+            const double expected = (integral(b) - integral(a)) / (b - a);
+            EXPECT_NEAR(scene.mean(), expected, 2e-3 * expected) << a << ' ' << b << byGroup;
+            EXPECT_TRUE(messages.lines().empty());
+        }
+}
+
+TEST(Motion, ALightStandsWithoutTheOptionAndWithItsOwnMotionOff)
+{
+    for (const bool off : {false, true}) {
+        Floor scene;
+        scene.light(inverseSquare).record.origin = {3, 0, 0};
+        setMotion(*scene.instance, moved(-3, 0, 0));
+        if (off) {
+            scene.instance->hasMotion = false;
+            scene.instance->record.gen_motion = host::stopsMotion;
+        } else {
+            scene.options.record.motion = 0;
+        }
+        // Three aside and one above.
+        EXPECT_NEAR(scene.mean(), 1 / std::pow(10, 1.5), 1e-4);
+    }
+}
+
+TEST(Motion, ADirectionalLightTurns)
+{
+    // Its matrix runs straight from the identity to a quarter turn about y: the direction is (-t, 0, -(1 -
+    // t)), its cosine to the floor's normal (1 - t) / sqrt(t² + (1 - t)²). With s = 1 - 2 t that is (1 + s) /
+    // sqrt(2 + 2 s²), whose mean over s from -1 to 1 is asinh(1) / sqrt 2.
+    Floor scene;
+    host::Light& sun = scene.light([](miColor& result, miState& state) {
+        const double t = (double(state.time) - 0.25) / 0.5, norm = std::hypot(t, 1 - t);
+        EXPECT_NEAR(state.dir.x, -t / norm, 1e-5);
+        EXPECT_NEAR(state.dir.y, 0, 1e-6);
+        EXPECT_NEAR(state.dir.z, -(1 - t) / norm, 1e-5);
+        result = {1, 0, 0, 1};
+        return miTRUE;
+    });
+    sun.record.type = miLIGHT_DIRECTION;
+    sun.record.direction = {0, 0, -1};
+    sun.hasOrigin = false;
+    setMotion(*scene.instance, {0, 0, -1, 0, 0, 1, 0, 0, 1, 0, 0, 0, 0, 0, 0, 1});
+    EXPECT_NEAR(scene.mean(), std::asinh(1.0) / std::sqrt(2.0), 2e-3);
+}
+
+TEST(Motion, ShadersFollowALightsTurnByItsOwnSpace)
+{
+    // At t its matrix takes z to (-3 t, 0, 2): turned, and longer. The way down to the floor has there
+    // the components (x, y, z) with z = -1/2 and x = -3 t / 2.
+    Floor scene;
+    int calls = 0;
+    scene.light([&](miColor& result, miState& state) {
+        const double t = (double(state.time) - 0.25) / 0.5;
+        miVector local, none = {1, 2, 3};
+        mi_vector_to_light(&state, &local, &state.dir);
+        EXPECT_NEAR(local.x, -1.5 * t, 1e-2); // the camera is not quite a line
+        EXPECT_NEAR(local.z, -0.5, 1e-4);
+        mi_vector_to_light(state.parent, &none, &none);
+        EXPECT_EQ(none.y, 2); // no light in a material's state
+        ++calls;
+        result = {1, 0, 0, 1};
+        return miTRUE;
+    });
+    setMatrix(*scene.instance, {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 2, 0, 0, 0, 0, 1});
+    setMotion(*scene.instance, {1, 0, 0, 0, 0, 1, 0, 0, -3, 0, 2, 0, 0, 0, 0, 1});
+    scene.mean();
+    EXPECT_GT(calls, 1000);
+}
+
+TEST(Motion, TheSamplesOfAnAreaLightLieOnItsShapeAtTheirTime)
+{
+    // A rectangle of 2 by 4 that goes by (6, 0, 2) and grows to thrice its width.
+    Floor scene;
+    int calls = 0;
+    float least = 1, most = -1;
+    host::Light& panel = scene.light([&](miColor& result, miState& state) {
+        const double t = (double(state.time) - 0.25) / 0.5;
+        const double x = (state.org.x - 6 * t) / (1 + 2 * t);
+        EXPECT_LE(std::abs(x), 1 + 1e-5);
+        EXPECT_LE(std::abs(state.org.y), 2);
+        EXPECT_NEAR(state.org.z, 2 * t, 1e-5);
+        EXPECT_NEAR(state.dist, host::length(state.point - state.org), 1e-5);
+        least = std::min(least, float(x));
+        most = std::max(most, float(x));
+        ++calls;
+        result = {1, 0, 0, 1};
+        return miTRUE;
+    });
+    panel.record.area = miLIGHT_RECTANGLE;
+    panel.record.primitive.rectangle = {{1, 0, 0}, {0, 2, 0}};
+    panel.record.samples_u = panel.record.samples_v = 2;
+    setMotion(*scene.instance, {3, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 6, 0, 2, 1});
+    scene.mean();
+    EXPECT_GT(calls, 1000);
+    EXPECT_LT(least, -0.99f);
+    EXPECT_GT(most, 0.99f);
+}
+
+TEST(Motion, VisibleLightsLeaveARamp)
+{
+    enum { rectangle, disc, cylinder, sphere, object, itsVertices, itsInstance, kinds };
+    for (int kind = 0; kind < kinds; ++kind) {
+        Moving scene;
+        host::Light& light = scene.pointLight({-5000, 0, 0}, [](miColor& result, miState&) {
+            result = {1, 1, 1, 1};
+            return miTRUE;
+        });
+        light.record.visible = miTRUE;
+        host::Instance& instance = scene.place(light, {0, 0, -6000});
+        auto& shape = light.record.primitive;
+        // Each has its right edge at x = 0, straight within the picture to 1e-4.
+        switch (kind) {
+        case rectangle:
+            light.record.area = miLIGHT_RECTANGLE;
+            shape.rectangle = {{5000, 0, 0}, {0, 9, 0}};
+            break;
+        case disc:
+            light.record.area = miLIGHT_DISC;
+            shape.disc = {{0, 0, 1}, 5000};
+            break;
+        case cylinder:
+            light.record.area = miLIGHT_CYLINDER;
+            shape.cylinder = {{0, 9, 0}, 5000};
+            break;
+        case sphere:
+            light.record.area = miLIGHT_SPHERE;
+            shape.sphere = {5000};
+            break;
+        default: {
+            host::Object& sheet = scene.sheet();
+            light.record.area = miLIGHT_OBJECT;
+            light.record.primitive.object.object = sheet.tag;
+            if (kind == itsVertices)
+                Moving::moveVertices(sheet, {3, 0, 0});
+            if (kind == itsInstance) {
+                sheet.visible = false;
+                host::Instance& own = scene.placed(sheet, {0, 0, 0});
+                setMotion(own, moved(3, 0, 0));
+                light.record.primitive.object.object = own.tag;
+            }
+        }
+        }
+        if (kind != itsVertices && kind != itsInstance)
+            setMotion(instance, moved(3, 0, -6000));
+        SCOPED_TRACE(kind);
+        expectBlurred(scene.render());
+    }
 }
 
 TEST(Motion, ThreadsDoNotChangeThePicture)
