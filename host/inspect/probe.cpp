@@ -87,6 +87,7 @@ public:
                  (remembered ? "remembered of " : "of ") + sourceText(connection));
     }
 
+    bool sawNothing() const { return count_ == 0; }
     std::size_t leftOut() const { return count_ > Probe::mostCalls ? count_ - Probe::mostCalls : 0; }
 
 private:
@@ -189,6 +190,8 @@ bool Probe::ready(const Stage& stage, Network& network)
     RenderThread thread(stage, network, 1);
     thread.ts.observer = &writer;
     const SampleResult seen = sample(thread, float(x_) + 0.5f, float(y_) + 0.5f, 0.0f);
+    if (writer.sawNothing())
+        text_ += "no shader is called: no surface with a shader is hit, and there is no environment\n";
     if (writer.leftOut() > 0)
         text_ += "and " + std::to_string(writer.leftOut()) + " more calls\n";
     text_ += "sample = " + colorText(seen.color) + "\n";

@@ -139,6 +139,17 @@ TEST(Probe, LeavesOutWhatWouldFillTheMemory)
     EXPECT_NE(text.find("\n|  gives 0 0 0 0\nand"), std::string::npos);
 }
 
+TEST(Probe, SaysThatNothingIsThere)
+{
+    Probe probe(1, 2);
+    test::look(probe, "shader \"surface\" \"choose\" ( )\n", 1,
+               "incremental instance \"quad-i\" visible off end instance\n");
+    EXPECT_EQ(probe.text(),
+              "pixel 1 2 from the lower left, row 1 from the top\n"
+              "no shader is called: no surface with a shader is hit, and there is no environment\n"
+              "sample = 0 0 0 0\n");
+}
+
 TEST(Probe, RefusesPixelsOutsideThePicture)
 {
     for (const auto& [x, y] : {std::pair{4, 0}, {0, 4}, {-1, 0}, {0, -1}}) {
