@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Messages of shaders.
 #include "host/report/message.h"
+#include "host/api/warning.h"
+#include "host/shading/function.h"
 
 #include <shader.h>
 
@@ -43,6 +45,15 @@ void mi_warning(const char* const format, ...)
     va_start(arguments, format);
     print(host::Level::warning, format, arguments);
     va_end(arguments);
+}
+
+void host_warning(const miState* const state, const char* const text)
+{
+    const host::Function& function = host::Function::of(state->shader);
+    const std::string place = function.where.text();
+    host::message(host::Level::warning, "RC",
+                  (function.name.empty() || place.empty() ? std::string() : place + ": ") + function.title() +
+                      ": " + text);
 }
 
 void mi_info(const char* const format, ...)

@@ -56,6 +56,7 @@ miColor illuminated(miState* state, const miColor& ambience, const miColor& ambi
 } // namespace
 
 BASE_VERSION(mib_illum_lambert, 1)
+BASE_LIGHTS_INIT(mib_illum_lambert, Lambert)
 BASE_ENTRY miBoolean mib_illum_lambert(miColor* result, miState* state, Lambert* p)
 {
     if (!illuminates(state))
@@ -69,6 +70,7 @@ BASE_ENTRY miBoolean mib_illum_lambert(miColor* result, miState* state, Lambert*
 }
 
 BASE_VERSION(mib_illum_phong, 1)
+BASE_LIGHTS_INIT(mib_illum_phong, Phong)
 BASE_ENTRY miBoolean mib_illum_phong(miColor* result, miState* state, Phong* p)
 {
     if (!illuminates(state))

@@ -2,7 +2,18 @@
 // The pair of parameters "mode" and "lights" by which shaders choose lights.
 #pragma once
 
+#include "host/api/warning.h"
 #include "host/base/shader.h"
+
+/// The init of a shader with a LightChoice `lights` among its Parameters.
+#define BASE_LIGHTS_INIT(shader, Parameters)                                                                 \
+    BASE_ENTRY void shader##_init(miState* state, Parameters* p, miBoolean* instances)                       \
+    {                                                                                                        \
+        if (p)                                                                                               \
+            checkMode(state, p->lights);                                                                     \
+        else                                                                                                 \
+            *instances = miTRUE;                                                                             \
+    }
 
 namespace host::base {
 
@@ -13,6 +24,15 @@ struct LightChoice {
     miInteger mode;
     Array<miTag> lights;
 };
+
+/// Warns of a mode that is none, which is taken as exclusive. One that is connected is not known before its
+/// call, and what stands in its place is the default.
+inline void checkMode(const miState* state, const LightChoice& choice)
+{
+    const int mode = choice.mode;
+    if (mode < 0 || mode == 3 || mode > 4)
+        host_warning(state, "\"mode\" is none of 0, 1, 2 and 4, and taken as 2");
+}
 
 /// Calls visit(light instance) for each chosen light, in the order of the array or of the renderer's list.
 /// Mode 0 takes the array as it is; every mode the renderer answers gives leaf instances.

@@ -28,12 +28,13 @@ bool chosen(miState* state, LightChoice& choice)
     bool listed = false;
     for (int i = 0; i < count && !listed; ++i)
         listed = lights[i] == state->light_instance;
-    return listed == (mode != LightMode::exclusive);
+    return listed == (mode == LightMode::given || mode == LightMode::inclusive);
 }
 
 } // namespace
 
 BASE_VERSION(mib_shadow_transparency, 1)
+BASE_LIGHTS_INIT(mib_shadow_transparency, ShadowTransparency)
 BASE_ENTRY miBoolean mib_shadow_transparency(miColor* result, miState* state, ShadowTransparency* p)
 {
     if (!chosen(state, p->lights)) {

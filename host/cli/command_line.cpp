@@ -561,6 +561,10 @@ ParsedCommandLine parseCommandLine(const std::vector<std::string>& arguments)
         Strings normal = normalise(app, arguments);
         std::reverse(normal.begin(), normal.end()); // CLI11 takes them from the back
         app.parse(normal);
+        if (result.profile && (result.probe || result.check))
+            throw CLI::ParseError("-profile times a whole picture, and with " +
+                                      std::string(result.probe ? "-probe" : "-check") + " there is none",
+                                  2);
     } catch (const CLI::CallForHelp&) {
         parsed.text = app.help();
         return parsed;

@@ -2,6 +2,7 @@
 #include "host/inspect/probe.h"
 
 #include "host/inspect/parameters.h"
+#include "host/inspect/phenomena.h"
 #include "host/render/trace.h"
 
 #include <algorithm>
@@ -51,13 +52,17 @@ public:
 
     void enter(const Function& function, Entry entry, const miState& state) override
     {
-        const std::string reason = reasonFor(function, entry, state);
-        calls_.push_back({&state, ++count_ <= Probe::mostCalls, reason + function.title(), nullptr, {}});
-        if (!shown() || entry != Entry::execute) // an init that does nothing else is not worth a line
-            return;
-        for (const Parameter& parameter : parametersOf(stage_.database, function))
-            if (!parameter.connection)
-                line(parameter.name + " = " + parameter.text);
+        std::string reason = reasonFor(function, entry, state);
+        Definitions around = phenomenaAround(function);
+        const bool called = !calls_.empty() && calls_.back().state == &state;
+        const std::size_t levels =
+            entry == Entry::execute ? entered(around, called ? calls_.back().around : Definitions()) : 0;
+        ++count_;
+        for (std::size_t k = levels; k-- > 0;)
+            begin(state, std::exchange(reason, {}) + around[k]->title(), *around[k], entry);
+        begin(state, reason + function.title(), function, entry);
+        calls_.back().around = std::move(around);
+        calls_.back().levels = levels;
     }
 
     void leave(const Function& function, Entry entry, const void* result, miBoolean returned) override
@@ -69,7 +74,7 @@ public:
             line("gives " + valueText(stage_.database, function.declaration().result, result) +
                  (returned == miTRUE ? "" : ", returns " + std::to_string(int(returned))));
         }
-        calls_.pop_back();
+        calls_.resize(calls_.size() - calls_.back().levels - 1);
     }
 
     void evaluating(const Function&, const Connection& connection) override
@@ -87,16 +92,35 @@ public:
                  (remembered ? "remembered of " : "of ") + sourceText(connection));
     }
 
+    bool sawNothing() const { return count_ == 0; }
     std::size_t leftOut() const { return count_ > Probe::mostCalls ? count_ - Probe::mostCalls : 0; }
 
 private:
+    using Definitions = std::vector<const Function*>;
+
+    /// A call, or a phenomenon that the call above it goes into.
     struct Call {
-        const miState* state;
-        bool shown;
-        std::string head;       ///< its first line, empty when that is written
-        const Connection* asks; ///< what it waits for
+        const miState* state = nullptr;
+        bool shown = false;
+        std::string head;                 ///< its first line, empty when that is written
+        const Connection* asks = nullptr; ///< what it waits for
         std::vector<const Connection*> read;
+        Definitions around;     ///< phenomena, the innermost first
+        std::size_t levels = 0; ///< of those the call goes into
     };
+
+    void begin(const miState& state, std::string head, const Function& function, Entry entry)
+    {
+        Call& call = calls_.emplace_back();
+        call.state = &state;
+        call.shown = count_ <= Probe::mostCalls;
+        call.head = std::move(head);
+        if (!call.shown || entry != Entry::execute) // an init that does nothing else is not worth a line
+            return;
+        for (const Parameter& parameter : parametersOf(stage_.database, function))
+            if (!parameter.connection) // what a phenomenon's is connected to has its "=" already
+                line(parameter.name + (parameter.text.rfind("= ", 0) == 0 ? " " : " = ") + parameter.text);
+    }
 
     bool shown() const { return calls_.back().shown; }
 
@@ -189,6 +213,8 @@ bool Probe::ready(const Stage& stage, Network& network)
     RenderThread thread(stage, network, 1);
     thread.ts.observer = &writer;
     const SampleResult seen = sample(thread, float(x_) + 0.5f, float(y_) + 0.5f, 0.0f);
+    if (writer.sawNothing())
+        text_ += "no shader is called: no surface with a shader is hit, and there is no environment\n";
     if (writer.leftOut() > 0)
         text_ += "and " + std::to_string(writer.leftOut()) + " more calls\n";
     text_ += "sample = " + colorText(seen.color) + "\n";

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "host/inspect/profile.h"
 
+#include "host/inspect/phenomena.h"
+
 #include <algorithm>
 #include <array>
 #include <chrono>
@@ -44,11 +46,9 @@ std::vector<Profile::Row> sorted(std::vector<Profile::Row> rows)
     return rows;
 }
 
-std::string table(const char* title, const std::vector<Profile::Row>& rows)
+/// `whole`: nanoseconds that are 100 %.
+std::string table(const char* title, const std::vector<Profile::Row>& rows, std::int64_t whole)
 {
-    std::int64_t whole = 0;
-    for (const Profile::Row& row : rows)
-        whole += row.figures.exclusive;
     std::array<char, 160> line;
     std::string text = title;
     text.resize(40, ' ');
@@ -84,23 +84,32 @@ void Profile::Figures::add(const Figures& other)
 class Profile::Watch : public Observer {
 public:
     explicit Watch(const Profile& profile)
-        : instances(profile.rows_.size()), shaders(profile.shaderNames_.size()), shaderOf_(profile.shaders_)
+        : instances(profile.rows_.size()), shaders(profile.shaderNames_.size()),
+          phenomena(profile.rows_.size()), shaderOf_(profile.shaders_), around_(profile.around_)
     {
     }
 
-    void enter(const Function& function, Entry entry, const miState&) override
+    void enter(const Function& function, Entry entry, const miState& state) override
     {
+        std::size_t levels = 0;
         if (entry == Entry::execute) {
             instances[function.number].begin();
             shaders[shaderOf_[function.number]].begin();
+            const bool called = !open_.empty() && open_.back().state == &state;
+            levels = called ? entered(around_[function.number], around_[open_.back().number])
+                            : around_[function.number].size();
+            for (std::size_t k = 0; k < levels; ++k)
+                phenomena[around_[function.number][k]].begin();
         }
-        open_.push_back({Clock::now(), 0});
+        open_.push_back({function.number, &state, levels, Clock::now(), 0});
     }
 
     void leave(const Function& function, Entry entry, const void*, miBoolean) override
     {
         const std::int64_t elapsed = nanoseconds(Clock::now() - open_.back().begin);
         const std::int64_t own = elapsed - open_.back().within;
+        for (std::size_t k = 0; k < open_.back().levels; ++k)
+            phenomena[around_[function.number][k]].end(elapsed, 0);
         open_.pop_back();
         if (!open_.empty())
             open_.back().within += elapsed;
@@ -117,24 +126,32 @@ public:
 
     void evaluating(const Function&, const Connection&) override {}
 
-    void evaluated(const Function&, const Connection& connection, const void*, bool remembered) override
+    void evaluated(const Function& user, const Connection& connection, const void*, bool remembered) override
     {
         if (!remembered)
             return;
-        ++instances[connection.source->number].figures.reused;
-        ++shaders[shaderOf_[connection.source->number]].figures.reused;
+        const std::size_t source = connection.source->number;
+        ++instances[source].figures.reused;
+        ++shaders[shaderOf_[source]].figures.reused;
+        for (std::size_t k = entered(around_[source], around_[user.number]); k-- > 0;)
+            ++phenomena[around_[source][k]].figures.reused;
     }
 
     std::vector<Account> instances;
     std::vector<Account> shaders;
+    std::vector<Account> phenomena; ///< by the number of their definition
 
 private:
     struct Call {
+        std::size_t number; ///< of the function
+        const miState* state;
+        std::size_t levels; ///< phenomena that it goes into
         Clock::time_point begin;
         std::int64_t within; ///< nanoseconds of calls that it has brought about
     };
     std::vector<Call> open_;
     const std::vector<std::size_t>& shaderOf_;
+    const std::vector<std::vector<std::size_t>>& around_;
 };
 
 Profile::Profile() = default;
@@ -144,6 +161,7 @@ bool Profile::ready(const Stage&, Network& network)
 {
     rows_.clear();
     shaders_.clear();
+    around_.clear();
     shaderNames_.clear();
     watches_.clear();
     std::map<std::string, std::size_t> numbers;
@@ -156,6 +174,9 @@ bool Profile::ready(const Stage&, Network& network)
         if (added)
             shaderNames_.push_back(shader);
         shaders_.push_back(known->second);
+        std::vector<std::size_t>& around = around_.emplace_back();
+        for (const Function* const phenomenon : phenomenaAround(*function))
+            around.push_back(phenomenon->number);
     }
     return true;
 }
@@ -186,9 +207,29 @@ std::vector<Profile::Row> Profile::byInstance() const
     return sorted(std::move(rows));
 }
 
+std::vector<Profile::Row> Profile::byPhenomenon() const
+{
+    std::vector<Row> rows = rows_;
+    for (const auto& watch : watches_)
+        for (std::size_t k = 0; k < rows.size(); ++k) {
+            rows[k].figures.add(watch->phenomena[k].figures);
+            for (const std::size_t phenomenon : around_[k]) {
+                rows[phenomenon].figures.exclusive += watch->instances[k].figures.exclusive;
+                rows[phenomenon].figures.init += watch->instances[k].figures.init;
+            }
+        }
+    return sorted(std::move(rows));
+}
+
 std::string Profile::text() const
 {
-    return table("shader", byShader()) + "\n" + table("shader instance", byInstance());
+    const std::vector<Row> shaders = byShader(), phenomena = byPhenomenon();
+    std::int64_t whole = 0;
+    for (const Row& row : shaders)
+        whole += row.figures.exclusive;
+    return table("shader", shaders, whole) + "\n" +
+           (phenomena.empty() ? std::string() : table("phenomenon", phenomena, whole) + "\n") +
+           table("shader instance", byInstance(), whole);
 }
 
 } // namespace host

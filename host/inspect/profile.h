@@ -28,7 +28,8 @@ public:
 
         void add(const Figures& other);
     };
-    /// One shader instance, or one shader: all its instances together.
+    /// One shader instance; one shader: all its instances together; or one instance of a phenomenon: calls
+    /// into it, their whole time as inclusive, and what is the own of all shaders inside.
     struct Row {
         std::string name;
         std::string place; ///< of the instance's definition
@@ -45,8 +46,9 @@ public:
     /// that were not called are left out.
     std::vector<Row> byShader() const;
     std::vector<Row> byInstance() const;
+    std::vector<Row> byPhenomenon() const;
 
-    /// Two tables for people.
+    /// Tables for people.
     std::string text() const;
 
 private:
@@ -54,6 +56,7 @@ private:
 
     std::vector<Row> rows_;            ///< of the instances in the network's order, figures still to come
     std::vector<std::size_t> shaders_; ///< which shader each is of
+    std::vector<std::vector<std::size_t>> around_; ///< which phenomena each is inside of, the innermost first
     std::vector<std::string> shaderNames_;
     std::vector<std::unique_ptr<Watch>> watches_;
 };

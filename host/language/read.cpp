@@ -20,7 +20,7 @@ void readFrom(Session& session, std::unique_ptr<language::Source> source)
     } catch (const UnknownName& unknown) {
         const Location later = lexer.findDefinition(unknown.name, unknown.of);
         if (!later.file)
-            throw;
+            throw Error(unknown.what() + unknown.hint);
         throw Error(std::string(unknown.what()) + "; it comes at " + later.text() +
                     ", but must be defined above its use");
     }

@@ -2,6 +2,7 @@
 #include "host/language/shaders.h"
 
 #include "host/language/phenomenon.h"
+#include "host/report/guess.h"
 
 namespace host::language {
 
@@ -55,7 +56,20 @@ const Declaration& Shaders::declaration(const Name& type) const
     if (const Declaration* const found = context_.session.declarations.find(type.text))
         return *found;
     throw UnknownName(type.text, UnknownName::Of::declaration, type.where,
-                      "the shader " + inQuotes(type.text) + " is not declared");
+                      "the shader " + inQuotes(type.text) + " is not declared", hintFor(type));
+}
+
+std::string Shaders::hintFor(const Name& undeclared) const
+{
+    Guess guess(undeclared.text);
+    bool included = false;
+    for (const auto& [name, declaration] : context_.session.declarations.all()) {
+        guess.offer(name);
+        included = included || declaration.where.file != undeclared.where.file;
+    }
+    if (const std::string near = guess.text(); !near.empty())
+        return near;
+    return included ? "; is a $include missing?" : "; is a $include missing, such as $include \"vhl.mi\"?";
 }
 
 miTag Shaders::create(const ShaderUse& use)

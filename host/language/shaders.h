@@ -46,6 +46,7 @@ private:
     void refuseElements(const ShaderList& list, const Location& where) const;
     void refer(const Name& name, ShaderList& list);
     const Declaration& declaration(const Name& type) const;
+    std::string hintFor(const Name& undeclared) const;
     miTag create(const ShaderUse& use);
     void change(const Name& name, std::vector<ShaderUse> uses);
 

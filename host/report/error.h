@@ -39,13 +39,15 @@ class UnknownName : public Error {
 public:
     enum class Of { element, shader, declaration };
 
-    UnknownName(std::string itsName, Of ofWhat, const Location& where, const std::string& text)
-        : Error(where, text), name(std::move(itsName)), of(ofWhat)
+    UnknownName(std::string itsName, Of ofWhat, const Location& where, const std::string& text,
+                std::string itsHint = {})
+        : Error(where, text), name(std::move(itsName)), of(ofWhat), hint(std::move(itsHint))
     {
     }
 
     std::string name;
     Of of;
+    std::string hint; ///< to be told behind `what()` when nothing has the name in the end either
 };
 
 } // namespace host

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "host/shading/block.h"
 
+#include "host/report/guess.h"
 #include "host/report/message.h"
 #include "host/shading/function.h"
 
@@ -76,6 +77,14 @@ std::string formName(const Value& value)
 std::string valueName(Type type)
 {
     return type == Type::boolean ? "on, off, 0 or 1" : std::string(typeName(type));
+}
+
+std::string guess(const std::vector<Field>& fields, std::string_view wrong)
+{
+    Guess made(wrong);
+    for (const Field& field : fields)
+        made.offer(field.name);
+    return made.text();
 }
 
 class Builder {
@@ -171,10 +180,11 @@ private:
     {
         for (const Argument& argument : arguments)
             if (!findField(fields, argument.name)) {
+                const std::string wrong = inQuotes(argument.name) + guess(fields, argument.name);
                 if (path_.empty())
-                    throw Error(argument.where, "shader " + inQuotes(declaration_.name) +
-                                                    " has no parameter " + inQuotes(argument.name));
-                fail(argument.where, "the structure has no member " + inQuotes(argument.name));
+                    throw Error(argument.where,
+                                "shader " + inQuotes(declaration_.name) + " has no parameter " + wrong);
+                fail(argument.where, "the structure has no member " + wrong);
             }
         throw Error("unreachable: every argument is known");
     }
@@ -335,7 +345,8 @@ private:
             const Field* const member = findField(result->members, name);
             if (!member)
                 fail(where, "the result of shader " + inQuotes(source->declaration().name) +
-                                " has no member " + inQuotes(members.substr(0, end)));
+                                " has no member " + inQuotes(members.substr(0, end)) +
+                                guess(result->members, name));
             offset += member->offset;
             result = member;
             begin = end + 1;
@@ -401,8 +412,10 @@ private:
             result.field =
                 ended ? nullptr : fieldAt(first ? phenomenon.parameters : result.field->members, begin, end);
             if (!result.field)
-                fail(where,
-                     "phenomenon " + inQuotes(phenomenon.name) + " has no parameter " + inQuotes(text));
+                fail(where, "phenomenon " + inQuotes(phenomenon.name) + " has no parameter " +
+                                inQuotes(text) +
+                                (first ? guess(phenomenon.parameters, text.substr(0, text.find('.')))
+                                       : std::string()));
             result.offset += result.field->offset;
         }
         return result;

@@ -143,10 +143,11 @@ std::vector<Function*> Function::callable() const
 
 std::string Function::title() const
 {
+    const std::string kind = declaration_->body ? "phenomenon " : "shader ";
     if (!name.empty())
-        return "shader \"" + name + "\" (" + declaration_->name + ")";
+        return kind + '"' + name + "\" (" + declaration_->name + ")";
     const std::string place = where.text();
-    return "shader " + declaration_->name + (place.empty() ? "" : " at " + place);
+    return kind + declaration_->name + (place.empty() ? "" : " at " + place);
 }
 
 namespace {

@@ -82,7 +82,7 @@ public:
     /// The function whose record this is.
     static Function& of(const miFunction* record) { return *static_cast<Function*>(record->sparep1[0].p); }
 
-    /// "shader "name" (type)" or "shader type at file:line:column": how messages call it.
+    /// "shader "name" (type)" or "phenomenon type at file:line:column": how messages call it.
     std::string title() const;
 
     /// Of a definition of a phenomenon, which is no shader itself; null for a shader.

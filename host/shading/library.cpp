@@ -57,16 +57,22 @@ void* Libraries::symbol(const std::string& name) const
     return nullptr;
 }
 
-Shader& Libraries::resolve(const Declaration& declaration)
+Shader& Libraries::resolve(const Declaration& declaration, const Location& use)
 {
     const auto known = shaders_.find(declaration.name);
     if (known != shaders_.end())
         return *known->second;
 
     void* const execute = symbol(declaration.name);
-    if (!execute)
-        throw Error(declaration.where,
-                    "shader \"" + declaration.name + "\" is in none of the linked libraries");
+    if (!execute) {
+        const std::string place = declaration.where.text();
+        throw Error(use, "shader " + inQuotes(declaration.name) +
+                             (place.empty() ? "" : ", declared at " + place + ',') +
+                             (handles_.empty()
+                                  ? " is in no library, as none is linked; is a link missing, such as "
+                                    "link \"libvhl.so\"?"
+                                  : " is in none of the linked libraries; is a link missing?"));
+    }
     auto shader = std::make_unique<Shader>();
     shader->declaration = &declaration;
     shader->execute = reinterpret_cast<Shader::Execute>(execute);

@@ -48,8 +48,9 @@ public:
     void link(const std::string& file, const std::vector<std::string>& searchPath, const Location& where);
 
     /// The shader of a declaration, looked up by its exported name on first use in the libraries in the order
-    /// of linking. Throws Error when none of them exports it. The address never changes.
-    Shader& resolve(const Declaration& declaration);
+    /// of linking. Throws Error, with the place of the use, when none of them exports it. The address never
+    /// changes.
+    Shader& resolve(const Declaration& declaration, const Location& use = {});
 
     /// Compares the shader's `_version` with its declaration: throws Error for another number, or prints it
     /// as an error message when mismatches are ignored; a missing `_version` is a warning.

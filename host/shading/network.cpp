@@ -103,6 +103,15 @@ private:
     std::unordered_map<const Function*, Node> nodes_;
 };
 
+/// Where the scene itself asks for a shader: of one within phenomena, the definition of the outermost.
+const Location& placeOfUse(const Function& function)
+{
+    const Function* outermost = &function;
+    while (const Function* const around = outermost->phenomenon())
+        outermost = around;
+    return outermost->where;
+}
+
 } // namespace
 
 std::vector<Function*> reachable(const std::vector<Function*>& roots)
@@ -121,7 +130,7 @@ Network::Network(const std::vector<Function*>& roots, Libraries& libraries) : fu
         function->number = number++;
         if (function->expansion)
             continue;
-        function->shader = &libraries.resolve(function->declaration());
+        function->shader = &libraries.resolve(function->declaration(), placeOfUse(*function));
         if (checked.insert(function->shader).second) {
             libraries.checkVersion(*function->shader);
             function->shader->initialised.reset();

@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Illumination, textures and secondary rays on plain surfaces, against closed forms.
+#include "tests/harness/messages.h"
 #include "tests/host/base/scene.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>
+#include <tuple>
 
 namespace {
 
@@ -108,6 +110,54 @@ material "white" "mib_illum_lambert" ( "diffuse" 1 1 1, )" +
         EXPECT_NEAR(lit(R"("mode" 0)", list), 0.0f, 1e-6f);
         EXPECT_NEAR(lit(R"("mode" 1, "lights" ["pair-i"])", list), 0.3f, 1e-6f);
         EXPECT_NEAR(lit(R"("mode" 2, "lights" ["pair-i"])", list), 0.4f, 1e-6f);
+    }
+}
+
+TEST(Illumination, AModeThatIsNoneIsAWarningAndExcludes)
+{
+    const auto lit = [](const std::string& material) {
+        return middle(
+                   "light \"sun\" \"mib_light_infinite\" ( \"color\" .5 .5 .5 ) direction 0 0 -1 end light\n"
+                   "instance \"sun-i\" \"sun\" end instance\n" +
+                       material + square("wall", 0.0f, "white"),
+                   R"("wall-i" "sun-i")")
+            .r;
+    };
+    for (const std::string shader : {"mib_illum_lambert", "mib_illum_phong"})
+        for (const std::string mode : {"-1", "3", "5"}) {
+            const test::Messages messages(3);
+            EXPECT_EQ(lit("shader \"named\" \"" + shader + "\" ( \"diffuse\" 1 1 1, \"mode\" " + mode +
+                          ", \"lights\" [\"sun-i\"] )\nmaterial \"white\" = \"named\" end material\n"),
+                      0.0f);
+            ASSERT_EQ(messages.lines().size(), 1u);
+            const std::string line = messages.lines().front();
+            EXPECT_NE(line.find(": shader \"named\" (" + shader +
+                                "): \"mode\" is none of 0, 1, 2 and 4, and taken as 2"),
+                      std::string::npos)
+                << line;
+        }
+    const test::Messages messages(3);
+    lit("material \"white\" \"mib_illum_lambert\" ( \"mode\" 4 ) end material\n");
+    EXPECT_TRUE(messages.lines().empty());
+}
+
+TEST(Shadows, AModeThatIsNoneIsAWarningAndExcludes)
+{
+    for (const auto& [mode, passes, warnings] :
+         {std::tuple{"1", 1.0f, 0u}, {"2", 0.0f, 0u}, {"3", 0.0f, 1u}, {"4", 1.0f, 0u}}) {
+        const test::Messages messages(3);
+        const auto color = middle(R"(
+light "sun" "mib_light_infinite" ( "color" 1 1 1, "shadow" on ) direction 0 0 -1 end light
+instance "sun-i" "sun" end instance
+material "white" "mib_illum_lambert" ( "diffuse" 1 1 1, "mode" 4 ) end material
+material "glass" "mib_illum_lambert" ()
+    shadow "mib_shadow_transparency" ( "transp" 1 1 1, "lights" ["sun-i"], "mode" )" +
+                                      std::string(mode) + R"( )
+end material
+)" + square("wall", 0.0f, "white") + square("pane", 2.0f, "glass", "shadow"),
+                                  R"("wall-i" "pane-i" "sun-i")");
+        EXPECT_NEAR(color.r, passes, 1e-5f) << mode;
+        EXPECT_EQ(messages.lines().size(), warnings) << mode;
     }
 }
 

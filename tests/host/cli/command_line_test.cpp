@@ -171,15 +171,19 @@ TEST(CommandLine, InformationIsNoError)
 
 TEST(CommandLine, LookingInside)
 {
-    const host::CommandLine command =
-        parse({"-probe", "12", "34", "--check", "-graph", "net.dot", "-profile", "a.mi"});
+    const host::CommandLine command = parse({"-probe", "12", "34", "--check", "-graph", "net.dot", "a.mi"});
     EXPECT_EQ(command.probe, (std::array<int, 2>{12, 34}));
     EXPECT_TRUE(command.check);
-    EXPECT_TRUE(command.profile);
+    EXPECT_FALSE(command.profile);
+    EXPECT_TRUE(parse({"-profile", "-graph", "net.dot", "a.mi"}).profile);
     EXPECT_EQ(command.graph, "net.dot");
     EXPECT_FALSE(parse({"a.mi"}).probe.has_value());
     EXPECT_FALSE(parse({"a.mi"}).check);
     usageError({"-probe", "12", "a.mi"});
+    EXPECT_EQ(usageError({"-profile", "-probe", "1", "2", "a.mi"}),
+              "-profile times a whole picture, and with -probe there is none");
+    EXPECT_EQ(usageError({"-check", "-profile", "a.mi"}),
+              "-profile times a whole picture, and with -check there is none");
 }
 
 TEST(CommandLine, FramesUnderBothNames)

@@ -197,7 +197,18 @@ TEST_F(Program, MissingSymbol)
     Scene scene;
     scene.shaders = "declare shader color \"vhAbsent_v1\" ( ) end declare\n"
                     "shader \"red\" \"vhAbsent_v1\" ( )\n";
-    expectError(render(scene), {"vhAbsent_v1"});
+    expectError(render(scene), {"scene.mi:4:14: shader \"vhAbsent_v1\", declared at scene.mi:3:22, "});
+}
+
+TEST_F(Program, AForgottenLinkIsToldWhereThePhenomenonIsUsed)
+{
+    Scene scene;
+    scene.head = "$include <vhl.mi>\n"
+                 "declare phenomenon color \"plain\" ( )\n"
+                 "shader \"inner\" \"vhConstColor_v2\" ( ) root = \"inner\" end declare\n";
+    scene.shaders = "shader \"red\" \"plain\" ( )\n";
+    expectError(render(scene), {"scene.mi:4:14: shader \"vhConstColor_v2\", declared at ",
+                                "/vhl.mi:", "is a link missing, such as link \"libvhl.so\"?"});
 }
 
 TEST_F(Program, VersionMismatchIsRefusedUnlessTold)

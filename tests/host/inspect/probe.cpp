@@ -98,14 +98,17 @@ TEST(Probe, ShowsWhatRunsInsideAPhenomenon)
                     "material \"m\", eye ray at P: shader \"surface\" (choose)\n"
                     "|  which = on\n"
                     "|  second = 0 0 0 0\n"
-                    "|  first: shader \"h::pick\" (choose)\n"
-                    "|  |  which = on\n"
-                    "|  |  first: shader \"s\" (split)\n"
-                    "|  |  |  in = 0.25 0.5 0.75 1\n"
-                    "|  |  |  gives { \"rgb\" 0.25 0.5 0.75 1, \"mask\" 0.5 }, returns 0\n"
-                    "|  |  first = 0.25 0.5 0.75 1, of \"s.rgb\"\n"
-                    "|  |  second = \"h::sum\", not read\n"
-                    "|  |  gives 0.25 0.5 0.75 1\n"
+                    "|  first: phenomenon \"h\" (half)\n"
+                    "|  |  one = \"s\"\n"
+                    "|  |  two = 3\n"
+                    "|  |  shader \"h::pick\" (choose)\n"
+                    "|  |  |  which = on\n"
+                    "|  |  |  first: shader \"s\" (split)\n"
+                    "|  |  |  |  in = 0.25 0.5 0.75 1\n"
+                    "|  |  |  |  gives { \"rgb\" 0.25 0.5 0.75 1, \"mask\" 0.5 }, returns 0\n"
+                    "|  |  |  first = 0.25 0.5 0.75 1, of \"s.rgb\"\n"
+                    "|  |  |  second = \"h::sum\", not read\n"
+                    "|  |  |  gives 0.25 0.5 0.75 1\n"
                     "|  gives 0.25 0.5 0.75 1\n"
                     "sample = 0.25 0.5 0.75 1\n");
 }
@@ -137,6 +140,17 @@ TEST(Probe, LeavesOutWhatWouldFillTheMemory)
     EXPECT_EQ(count("input: shader"), Probe::mostCalls - 1);
     EXPECT_NE(text.find("\nand 101 more calls\n"), std::string::npos);
     EXPECT_NE(text.find("\n|  gives 0 0 0 0\nand"), std::string::npos);
+}
+
+TEST(Probe, SaysThatNothingIsThere)
+{
+    Probe probe(1, 2);
+    test::look(probe, "shader \"surface\" \"choose\" ( )\n", 1,
+               "incremental instance \"quad-i\" visible off end instance\n");
+    EXPECT_EQ(probe.text(),
+              "pixel 1 2 from the lower left, row 1 from the top\n"
+              "no shader is called: no surface with a shader is hit, and there is no environment\n"
+              "sample = 0 0 0 0\n");
 }
 
 TEST(Probe, RefusesPixelsOutsideThePicture)

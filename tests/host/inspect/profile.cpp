@@ -83,6 +83,55 @@ TEST(Profile, CallsOfTheSameShaderWithinEachOtherCountOnce)
     EXPECT_EQ(row(instances, "\"surface\" spend").figures.inclusive, both.inclusive);
 }
 
+TEST(Profile, APhenomenonHasTheCallsIntoItAndTheTimeOfWhatIsInside)
+{
+    // "h" is entered twice in each sample, once for both uses of its result. "deep" is another phenomenon
+    // inside of it; "outside" is called from inside and belongs to neither.
+    Profile profile;
+    test::look(
+        profile,
+        "declare phenomenon color \"deep\" ( color \"from\" )\n"
+        "shader \"last\" \"spend\" ( \"microseconds\" 50, \"times\" 1, \"input\" = interface \"from\" )\n"
+        "root = \"last\" end declare\n"
+        "declare phenomenon color \"half\" ( color \"from\" )\n"
+        "shader \"inner\" \"deep\" ( \"from\" = interface \"from\" )\n"
+        "shader \"twice\" \"spend\" ( \"microseconds\" 100, \"times\" 2, \"input\" = \"inner\" )\n"
+        "root = \"twice\" end declare\n"
+        "shader \"outside\" \"spend\" ( \"microseconds\" 300 )\n"
+        "shader \"h\" \"half\" ( \"from\" = \"outside\" )\n"
+        "shader \"surface\" \"spend\" ( \"times\" 2, \"input\" = \"h\" )\n");
+    const std::vector<Profile::Row> instances = profile.byInstance();
+    const Profile::Figures& twice = row(instances, "\"h::twice\" spend").figures;
+    const Profile::Figures& last = row(instances, "\"h::inner::last\" spend").figures;
+    const std::vector<Profile::Row> phenomena = profile.byPhenomenon();
+    ASSERT_EQ(phenomena.size(), 2u);
+    const Profile::Figures& h = row(phenomena, "\"h\" half").figures;
+    EXPECT_EQ(h.calls, 2 * samples);
+    EXPECT_EQ(h.inclusive, twice.inclusive);
+    EXPECT_EQ(h.exclusive, twice.exclusive + last.exclusive);
+    EXPECT_EQ(h.init, twice.init + last.init);
+    const Profile::Figures& inner = row(phenomena, "\"h::inner\" deep").figures;
+    EXPECT_EQ(inner.calls, 4 * samples);
+    EXPECT_EQ(inner.inclusive, last.inclusive);
+    EXPECT_EQ(inner.exclusive, last.exclusive);
+    EXPECT_NE(profile.text().find("\n\nphenomenon "), std::string::npos) << profile.text();
+}
+
+TEST(Profile, ARememberedResultIsOneOfThePhenomenonToo)
+{
+    Profile profile;
+    test::look(
+        profile,
+        "declare phenomenon color \"part\" ( )\n"
+        "shader \"s\" \"split\" ( ) shader \"sum\" \"total\" ( \"values\" [ = \"s.mask\", = \"s.mask\" ] )\n"
+        "root = \"sum\" end declare\n"
+        "shader \"p\" \"part\" ( )\n"
+        "shader \"surface\" \"total\" ( \"values\" [ = \"p\", = \"p\" ] )\n");
+    const std::vector<Profile::Row> phenomena = profile.byPhenomenon();
+    EXPECT_EQ(row(phenomena, "\"p\" part").figures.calls, samples);
+    EXPECT_EQ(row(phenomena, "\"p\" part").figures.reused, samples) << "not those inside";
+}
+
 TEST(Profile, IsATableForPeople)
 {
     Profile profile;
@@ -92,4 +141,5 @@ TEST(Profile, IsATableForPeople)
     EXPECT_NE(text.find("\n\nshader instance "), std::string::npos) << text;
     EXPECT_NE(text.find("\"sum\" total "), std::string::npos) << text;
     EXPECT_EQ(text.find("idle"), std::string::npos) << text;
+    EXPECT_EQ(text.find("phenomenon"), std::string::npos) << "there is none";
 }

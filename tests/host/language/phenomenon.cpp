@@ -175,6 +175,8 @@ TEST(Phenomenon, InterfaceIsChecked)
     const std::string p = "phenomenon \"p\" has no parameter ";
     EXPECT_EQ(refusal("\"s\" = interface \"none\""),
               "7:5: parameter \"s\" of shader \"all\": " + p + "\"none\"");
+    EXPECT_EQ(refusal("\"s\" = interface \"tin.x\""),
+              "7:5: parameter \"s\" of shader \"all\": " + p + "\"tin.x\"; did you mean \"tint\"?");
     EXPECT_EQ(refusal("\"s\" = interface \"\""), "7:5: parameter \"s\" of shader \"all\": " + p + "\"\"");
     EXPECT_EQ(refusal("\"s\" = interface \"st.b\""),
               "7:5: parameter \"s\" of shader \"all\": " + p + "\"st.b\"");
@@ -200,7 +202,8 @@ TEST(Phenomenon, InterfaceIsChecked)
 
 TEST(Phenomenon, MistakesOfABodyAreFoundWhereItIsDeclared)
 {
-    EXPECT_EQ(errorIn("shader \"a\" \"none\" ( ) root = \"a\""), "6:12: the shader \"none\" is not declared");
+    EXPECT_EQ(errorIn("shader \"a\" \"leag\" ( ) root = \"a\""),
+              "6:12: the shader \"leag\" is not declared; did you mean \"leaf\"?");
     EXPECT_EQ(errorIn("shader \"a\" \"leaf\" ( \"q\" 1 ) root = \"a\""),
               "6:21: shader \"leaf\" has no parameter \"q\"");
     EXPECT_EQ(errorIn("root = \"a\""), "6:8: there is no shader \"a\"");

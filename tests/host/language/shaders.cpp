@@ -137,11 +137,49 @@ TEST(Value, MistakesHaveTheirPlace)
 
 TEST(Shader, MustBeDeclared)
 {
-    EXPECT_EQ(errorOf("shader \"x\" \"y\" ( )"), "1:12: the shader \"y\" is not declared");
-    EXPECT_EQ(errorOf("light \"l\" \"y\" ( )"), "1:11: the shader \"y\" is not declared");
+    const std::string hint = "; is a $include missing, such as $include \"vhl.mi\"?";
+    EXPECT_EQ(errorOf("shader \"x\" \"y\" ( )"), "1:12: the shader \"y\" is not declared" + hint);
+    EXPECT_EQ(errorOf("light \"l\" \"y\" ( )"), "1:11: the shader \"y\" is not declared" + hint);
     EXPECT_EQ(errorOf("material \"l\" = \"y\" end material"), "1:16: there is no shader \"y\"");
     EXPECT_EQ(errorOf("camera \"c\" end camera material \"l\" = \"c\" end material"),
               "1:38: \"c\" is not the name of a shader but of a camera");
+}
+
+TEST(Shader, ANameThatIsNearIsOffered)
+{
+    const std::string text = "declare color \"mixColor\" ( ) declare color \"mixColor2\" ( )\n";
+    EXPECT_EQ(errorOf(text + "shader \"x\" \"mixColour\" ( )"),
+              "2:12: the shader \"mixColour\" is not declared; did you mean \"mixColor\"?");
+    EXPECT_EQ(errorOf(text + "shader \"x\" \"mixColor5\" ( )"),
+              "2:12: the shader \"mixColor5\" is not declared; did you mean \"mixColor\"?")
+        << "the first of two";
+    EXPECT_EQ(
+        errorOf("shader \"x\" \"mixColour\" ( )\n" + text + "declare color \"mixColour\" ( )"),
+        "1:12: the shader \"mixColour\" is not declared; it comes at scene:3:15, but must be defined above "
+        "its use")
+        << "what there is goes before what is near";
+}
+
+TEST(Shader, AMissingIncludeIsNoLongerNamedWhenThereIsOne)
+{
+    Scene scene;
+    host::readScene(scene.session, std::string_view("declare color \"leaf\" ( )"), "declarations");
+    EXPECT_EQ(scene.errorOf("shader \"x\" \"other\" ( )"),
+              "1:12: the shader \"other\" is not declared; is a $include missing?");
+}
+
+TEST(Shader, AParameterThatIsNearIsOffered)
+{
+    EXPECT_EQ(refusal("\"tez\" 1"), "2:1: shader \"all\" has no parameter \"tez\"; did you mean \"tex\"?");
+    EXPECT_EQ(refusal("\"nope\" 1"), "2:1: shader \"all\" has no parameter \"nope\"");
+    EXPECT_EQ(
+        Scene("declare color \"deep\" ( struct \"layer\" { color \"weight\" } )")
+            .errorOf("shader \"x\" \"deep\" ( \"layer\" { \"wieght\" 1 } )"),
+        "1:31: parameter \"layer\" of shader \"deep\": the structure has no member \"wieght\"; did you mean "
+        "\"weight\"?");
+    EXPECT_EQ(refusal("\"c\" = \"s1.rbg\""), "2:5: parameter \"c\" of shader \"all\": the result of shader "
+                                             "\"split\" has no member \"rbg\"; did you "
+                                             "mean \"rgb\"?");
 }
 
 TEST(Shader, ANameMayStandForAList)

@@ -55,13 +55,21 @@ TEST(Library, IsFoundAlongThePathAndLinkedOnce)
     EXPECT_EQ(stage.session.libraries.symbol("t_nothing"), nullptr);
 }
 
-TEST(Library, AShaderThatNoLibraryHasIsNamed)
+TEST(Library, AShaderThatNoLibraryHasIsNamedWhereItIsUsed)
 {
-    Stage stage{TEST_SHADERS};
-    stage.declare("t_nothing", field(Type::color, ""), {});
-    host::Function& f = stage.make("n", "t_nothing");
-    EXPECT_EQ(errorOf([&] { stage.prepare({&f}); }),
-              "shader \"t_nothing\" is in none of the linked libraries");
+    const auto error = [](const char* library) {
+        Stage stage{library};
+        host::Declaration nothing = declaration("t_nothing", field(Type::color, ""), {}, 1);
+        nothing.where = {host::fileName("shaders.mi"), 7, 15};
+        stage.session.declarations.add(std::move(nothing));
+        host::Function& f = stage.make("n", "t_nothing");
+        f.where = {host::fileName("scene.mi"), 3, 12};
+        return errorOf([&] { stage.prepare({&f}); });
+    };
+    const std::string who = "scene.mi:3:12: shader \"t_nothing\", declared at shaders.mi:7:15, ";
+    EXPECT_EQ(error(TEST_SHADERS), who + "is in none of the linked libraries; is a link missing?");
+    EXPECT_EQ(error(""),
+              who + "is in no library, as none is linked; is a link missing, such as link \"libvhl.so\"?");
 }
 
 TEST(Version, AMismatchNamesBothNumbersAndStopsUnlessIgnored)
