@@ -25,12 +25,20 @@ if(CPACK_GENERATOR STREQUAL "DEB")
     endforeach()
     file(RENAME ${doc}/LICENSE ${doc}/copyright)
     file(RENAME ${doc}/CHANGELOG.md ${doc}/changelog)
+    string(TIMESTAMP now "%a, %d %b %Y %H:%M:%S +0000" UTC)
+    file(WRITE ${doc}/changelog.Debian
+"vhl (${CPACK_PACKAGE_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE}) unstable; urgency=medium
+
+  * Packed from the sources; changelog.gz tells what has changed in them.
+
+ -- ${CPACK_DEBIAN_PACKAGE_MAINTAINER}  ${now}
+")
     file(READ ${doc}/README.md text) # which links to both
     string(REPLACE "](CHANGELOG.md)" "](changelog.gz)" text "${text}")
     string(REPLACE "](LICENSE)" "](copyright)" text "${text}")
     file(WRITE ${doc}/README.md "${text}")
     file(GLOB pages ${root}/share/man/man1/*.1)
-    execute_process(COMMAND gzip -9n ${doc}/changelog ${pages} COMMAND_ERROR_IS_FATAL ANY)
+    execute_process(COMMAND gzip -9n ${doc}/changelog ${doc}/changelog.Debian ${pages} COMMAND_ERROR_IS_FATAL ANY)
 else()
     # One folder, whose first level shows everything.
     foreach(entry README.md CONTRIBUTING.md CHANGELOG.md LICENSE docs examples reference)

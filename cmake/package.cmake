@@ -61,12 +61,13 @@ if(VHL_SHLIBDEPS)
 endif()
 set(CPACK_PACKAGE_VENDOR "the vhl maintainers")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "composable utility shaders and a stand-in renderer")
-set(CPACK_PACKAGE_DESCRIPTION "Small utility shaders for the mental ray renderer in one shared library: arithmetic, ranges,
-conversions, channels, mixers, logic, the renderer's state, choice by object name, layers, panoramic
-lenses and environments.
+set(CPACK_PACKAGE_DESCRIPTION "Small utility shaders for the mental ray renderer in one shared library:
+arithmetic, ranges, conversions, channels, mixers, logic, the renderer's state,
+choice by object name, layers, panoramic lenses and environments.
 .
-vhrender loads shader libraries by the same binary interface, reads scenes in the renderer's language
-and renders pictures. vhpano converts panoramic images between layouts.")
+vhrender loads shader libraries by the same binary interface, reads scenes in
+the renderer's language and renders pictures. vhpano converts panoramic images
+between layouts.")
 set(CPACK_PACKAGE_FILE_NAME vhl-${PROJECT_VERSION}-${CMAKE_SYSTEM_NAME}-${CMAKE_SYSTEM_PROCESSOR})
 set(CPACK_PACKAGE_CHECKSUM SHA256)
 set(CPACK_RESOURCE_FILE_LICENSE ${PROJECT_SOURCE_DIR}/LICENSE)
@@ -76,6 +77,7 @@ set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
     OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
 set(CPACK_PRE_BUILD_SCRIPTS ${PROJECT_SOURCE_DIR}/cmake/arrange.cmake)
 set(CPACK_DEBIAN_PACKAGE_MAINTAINER "the vhl maintainers <maintainers@vhl.invalid>")
+set(CPACK_DEBIAN_PACKAGE_RELEASE 1) # of the same sources; without one Debian takes itself for their author
 set(CPACK_DEBIAN_PACKAGE_SECTION graphics)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)

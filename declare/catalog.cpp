@@ -123,12 +123,11 @@ NameParts partsOf(std::string_view name)
     return parts;
 }
 
-Catalog::Catalog(std::span<const Shader> shaders, std::span<const RecipeGroup> recipes)
-    : recipeGroups_(recipes)
+Catalog::Catalog(std::span<const Shader> shaders, std::span<const RecipeGroup> recipes) : byPurpose(recipes)
 {
     for (const RecipeGroup& group : recipes)
         for (const Recipe& recipe : group.recipes)
-            allRecipes.push_back(&recipe);
+            recipesInOrder.push_back(&recipe);
     for (const Rule& rule : rules)
         all.push_back({rule.name, rule.title, rule.about, rule.cover});
     for (const Shader& shader : shaders)
@@ -159,13 +158,13 @@ const Shader* Catalog::find(std::string_view name) const
 
 bool Catalog::knows(std::string_view name) const
 {
-    return find(name) || std::ranges::find(allRecipes, name, &Recipe::name) != allRecipes.end();
+    return find(name) || std::ranges::find(recipesInOrder, name, &Recipe::name) != recipesInOrder.end();
 }
 
 Recipes Catalog::users(std::string_view name) const
 {
     Recipes found;
-    for (const Recipe* recipe : allRecipes)
+    for (const Recipe* recipe : recipesInOrder)
         if (std::ranges::find(recipe->uses, name) != recipe->uses.end())
             found.push_back(recipe);
     return found;
@@ -185,8 +184,8 @@ const Shader* Catalog::neighbour(const Shader& shader, int step) const
 
 const Recipe* Catalog::neighbour(const Recipe& recipe, int step) const
 {
-    return stepped(allRecipes, std::size_t(std::ranges::find(allRecipes, &recipe) - allRecipes.begin()),
-                   step);
+    return stepped(recipesInOrder,
+                   std::size_t(std::ranges::find(recipesInOrder, &recipe) - recipesInOrder.begin()), step);
 }
 
 Shaders Catalog::versions(const Shader& shader) const

@@ -43,8 +43,8 @@ public:
     const Group& groupOf(const Shader& shader) const { return all[places.at(shader.name).group]; }
     const Shader* find(std::string_view name) const;
 
-    std::span<const RecipeGroup> recipeGroups() const { return recipeGroups_; }
-    const Recipes& recipes() const { return allRecipes; }
+    std::span<const RecipeGroup> recipeGroups() const { return byPurpose; }
+    const Recipes& recipes() const { return recipesInOrder; }
     /// The recipes that have a shader or a recipe in their networks.
     Recipes users(std::string_view name) const;
 
@@ -72,8 +72,8 @@ private:
     std::vector<Group> all;
     Shaders inOrder, outside;
     std::map<std::string_view, Place> places;
-    std::span<const RecipeGroup> recipeGroups_;
-    Recipes allRecipes;
+    std::span<const RecipeGroup> byPurpose;
+    Recipes recipesInOrder;
 };
 
 } // namespace declare

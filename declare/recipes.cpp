@@ -27,9 +27,8 @@ static std::string joined(const Lines& lines)
 /// A parameter's line: its comment begins with the range in brackets, where there is one.
 static Parameter parameter(const std::string& recipe, const std::string& line)
 {
-    static const std::regex pattern(
-        R"x(\s*(array )?([a-z ]*[a-z])\s+"(\w+)"(?:\s+default ([^,#]*?))?,?)x"
-        R"x(\s*# (?:([\[(][^\])]*[\])]) )?(.*))x");
+    static const std::regex pattern(R"x(\s*(array )?([a-z ]*[a-z])\s+"(\w+)"(?:\s+default ([^,#]*?))?,?)x"
+                                    R"x(\s*# (?:([\[(][^\])]*[\])]) )?(.*))x");
     std::smatch found;
     if (!std::regex_match(line, found, pattern))
         throw std::runtime_error(recipe + ": cannot read the parameter " + line);
@@ -64,6 +63,8 @@ static void readComment(Recipe& recipe, const Lines& comment)
         else
             part->text = line.substr(part->word.size());
     }
+    if (recipe.text.empty())
+        throw std::runtime_error(recipe.name + ": nothing is said of what it is for");
     for (const auto& part : parts)
         if (part.text.empty() && part.word != "Source: ")
             throw std::runtime_error(recipe.name + ": nothing is said after " + std::string(part.word));

@@ -76,6 +76,7 @@ TEST(Recipes, WhatTheyLackIsTold)
     };
     expectFault(file("# Does.\n# Formula: x\n# Edges: None.\n"),
                 "vhrTest_v2: nothing is said after Network: ");
+    expectFault(file("# Formula: x\n# Network: y\n# Edges: None.\n"), "vhrTest_v2: nothing is said of what");
     expectFault(file(comment + "# And so on.\n"), "vhrTest_v2: no word begins the line And so on.");
     expectFault(file(comment, "scalar \"input\" default 1"), "vhrTest_v2: cannot read the parameter");
     expectFault("declare phenomenon\nend declare\n", "in no group");

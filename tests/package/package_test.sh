@@ -78,8 +78,9 @@ check_installed "$unpacked" "$unpacked"
 
 # Debian's package, in an empty root.
 field() { dpkg-deb -f "$package" "$1"; }
-[[ $(field Package) == vhl && $(field Version) == "$version" ]] || fail "another package"
+[[ $(field Package) == vhl && $(field Version) == "$version-1" ]] || fail "another package"
 [[ $(field Architecture) == "$(dpkg --print-architecture)" ]] || fail "for another architecture"
+[[ -z $(field Description | awk 'length > 80') ]] || fail "the description has lines that are too long"
 [[ $(field Maintainer) =~ ^.+\ \<.+@.+\>$ ]] || fail "Maintainer: $(field Maintainer)"
 [[ $(field Section) == graphics && $(field Priority) == optional ]] || fail "no section or priority"
 for library in libc6 libstdc++6 libembree3 libopenimageio libtbb; do
@@ -112,6 +113,8 @@ for file in lib/vhl/{lib/{libvhl,base}.so,include/{vhl,recipes,base}.mi} share/d
     [[ -s $root/usr/$file ]] || fail "/usr/$file is missing"
 done
 [[ -n $(zcat "$root/usr/share/doc/vhl/changelog.gz") ]] || fail "no list of changes"
+[[ $(zcat "$root/usr/share/doc/vhl/changelog.Debian.gz") == "vhl ($version-1) unstable; "*" -- $(field Maintainer)  "* ]] ||
+    fail "Debian's list of changes is of another package"
 [[ $(readlink "$root/usr/bin/vhrender") == ../* ]] || fail "/usr/bin/vhrender is no relative link"
 if [[ $EUID -eq 0 ]]; then
     install -r vhl || fail "$(cat "$folder/log")"

@@ -447,6 +447,19 @@ test('nothing is wider than a telephone', () => withPage(telephone, async page =
   }
 }));
 
+test('counts stand beside what they count, however wide a scroll bar is', () => open('recipes.html', async page => {
+  for (const bar of [0, 15, 40]) {
+    await page.addStyleTag({ content: `.groups { padding-right: ${12 + bar}px }` });
+    const astray = await page.locator('.groups a:has(small)').evaluateAll(links => links.filter(link => {
+      const [all, count] = [link, link.querySelector('small')].map(element => element.getBoundingClientRect());
+      const name = document.createRange();
+      name.selectNode(link.firstChild);
+      return count.left < name.getBoundingClientRect().right || count.bottom > all.bottom || count.right > all.right;
+    }).map(link => link.textContent));
+    assert.deepEqual(astray, [], `a bar of ${bar}`);
+  }
+}, { viewport: { width: 1200, height: 700 } }));
+
 test('without scripts everything but the search is there', () => open('vhAddColor_v2.html', async page => {
   assert.ok(await page.isVisible('.parameters'));
   for (const hidden of ['#search', '#theme', '.copyable button >> nth=0'])
