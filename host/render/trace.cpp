@@ -255,14 +255,6 @@ bool mayCast(const RenderThread& thread, const miState& state, miRay_type type)
 
 } // namespace
 
-float shutterFraction(const miState& state)
-{
-    const miOptions& options = *state.options;
-    const float open = options.shutter - options.shutter_delay;
-    return options.motion && open > 0.0f ? std::clamp((state.time - options.shutter_delay) / open, 0.0f, 1.0f)
-                                         : 0.0f;
-}
-
 double startDistance(const miVector& point)
 {
     constexpr double roundings = 32.0 * std::numeric_limits<float>::epsilon();

@@ -5,6 +5,8 @@
 #include "host/render/film.h"
 #include "host/render/thread.h"
 
+#include <algorithm>
+
 namespace host {
 
 /// What a sample has seen.
@@ -63,7 +65,14 @@ std::optional<miColor> opacityOf(const miState& state);
 void setHit(Frame& frame, const miVector& direction, const Hit& hit, bool flip);
 
 /// The state's time, from 0 when the shutter opens to 1 when it closes; 0 without motion blur.
-float shutterFraction(const miState& state);
+inline float shutterFraction(const miState& state)
+{
+    const miOptions& options = *state.options;
+    const float open = options.shutter - options.shutter_delay;
+    if (!options.motion || !(open > 0.0f))
+        return 0.0f;
+    return std::clamp((state.time - options.shutter_delay) / open, 0.0f, 1.0f);
+}
 
 /// How far rays that start at a surface keep off it: a few roundings of its coordinates.
 double startDistance(const miVector& point);
