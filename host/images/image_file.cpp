@@ -3,6 +3,10 @@
 
 #include "host/report/error.h"
 
+#include <array>
+#include <cstdint>
+#include <fstream>
+#include <string_view>
 #include <vector>
 
 namespace host {
@@ -26,13 +30,35 @@ bool hasItsEnd(OIIO::ImageInput& input)
     return read && !input.has_error();
 }
 
+/// Whether a PNG file has lost its end, which its reader tells on the error stream by itself. Its pieces have
+/// their length in front; the last is IEND.
+bool isCutOffPng(const std::string& file)
+{
+    constexpr std::string_view signature = "\x89PNG\r\n\x1a\n";
+    std::ifstream bytes(file, std::ios::binary);
+    std::array<char, 8> head;
+    if (!bytes.read(head.data(), head.size()) || std::string_view(head.data(), head.size()) != signature)
+        return false;
+    while (bytes.read(head.data(), head.size())) {
+        if (std::string_view(head.data() + 4, 4) == "IEND")
+            return false;
+        std::int64_t length = 4; // of the checksum behind
+        for (std::size_t i = 0; i < 4; ++i)
+            length += std::int64_t(static_cast<unsigned char>(head[i])) << (24 - 8 * i);
+        bytes.seekg(length, std::ios::cur);
+    }
+    return true;
+}
+
 } // namespace
 
 OIIO::ImageSpec checkImageFile(const std::string& file)
 {
     const auto unreadable = [&](const std::string& reason) {
-        return Error("cannot read \"" + file + "\": " + reason);
+        return Error("cannot read \"" + file + "\": " + reason.substr(0, reason.find('\n')));
     };
+    if (isCutOffPng(file))
+        throw unreadable("its end is missing");
     const auto input = OIIO::ImageInput::open(file);
     if (!input)
         throw unreadable(OIIO::geterror());

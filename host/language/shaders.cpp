@@ -62,11 +62,17 @@ const Declaration& Shaders::declaration(const Name& type) const
 std::string Shaders::hintFor(const Name& undeclared) const
 {
     Guess guess(undeclared.text);
+    const std::string versioned = undeclared.text + "_v";
+    std::string version; // the last of those that the name was given without
     bool included = false;
     for (const auto& [name, declaration] : context_.session.declarations.all()) {
         guess.offer(name);
+        if (name.compare(0, versioned.size(), versioned) == 0)
+            version = name;
         included = included || declaration.where.file != undeclared.where.file;
     }
+    if (!version.empty())
+        return "; did you mean " + inQuotes(version) + '?';
     if (const std::string near = guess.text(); !near.empty())
         return near;
     return included ? "; is a $include missing?" : "; is a $include missing, such as $include \"vhl.mi\"?";

@@ -454,7 +454,10 @@ TEST_F(Vhpano, ImagesOfAnyShape)
             const Layout &from = layouts[i], &to = layouts[(i + 1) % std::size(layouts)];
             SCOPED_TRACE(testing::Message()
                          << width << " by " << height << ' ' << from.name << ' ' << to.name);
-            const Image result = converted({"--from", from.name, "--to", to.name, "--size", "5", "5"});
+            const Outcome outcome =
+                run({"in.exr", "out.exr", "--from", from.name, "--to", to.name, "--size", "5", "5"});
+            EXPECT_EQ(outcome.status, 0);
+            const Image result = read(folder.path("out.exr"));
             EXPECT_EQ(result.width, 5);
             EXPECT_EQ(result.height, 5);
             // No NaN among them; bicubic filters overshoot, but not by more than this.
@@ -469,7 +472,17 @@ TEST_F(Vhpano, WrongUseIsTold)
     expectError({}, 2, "vhpano: in is required");
     expectError({"a", "b", "--from", "latlong"}, 2, "--to is required");
     expectError({"a", "b", "--from", "mercator", "--to", "cube"}, 2,
-                "'mercator' is no layout; there are latlong, angular, ball, cube, fisheye");
+                "vhpano: --from: 'mercator' is none of latlong, angular, ball, cube, fisheye\n");
+    expectError(
+        {"a", "b", "--from", "cube", "--to", "latlogn"}, 2,
+        "--to: 'latlogn' is none of latlong, angular, ball, cube, fisheye; did you mean \"latlong\"?\n");
+    expectError({"a", "b", "--from", "cube", "--to", "cube", "--type", "haf"}, 2,
+                "--type: 'haf' is none of uint8, uint16, half, float; did you mean \"half\"?\n");
+    expectError({"a", "b", "--from", "cube", "--to", "cube", "--threads", "2x"}, 2,
+                "--threads: '2x' is no whole number from 1 to 1024\n");
+    expectError({"a", "b", "--form", "cube", "--to", "cube"}, 2,
+                "'--form' is no option; did you mean \"--from\"?\n");
+    expectError({"a", "b", "c", "--from", "cube", "--to", "cube"}, 2, "'c' is one file too many\n");
     expectError({"a", "b", "--from", "cube", "--to", "cube", "--size", "0", "5"}, 2, "--size");
     expectError({"a", "b", "--from", "cube", "--to", "cube", "--rotate", "5"}, 2, "--rotate");
     for (const char* const odd : {"nan", "inf", "1e300"})
@@ -503,6 +516,54 @@ TEST_F(Vhpano, BadFilesAreToldAndNothingIsWritten)
     expectError(with("in.exr", "nowhere/out.exr"), 1, "cannot write \"nowhere/out.exr\"");
     EXPECT_EQ(folder.names(),
               (std::vector<std::string>{"empty.exr", "in.exr", "out.exr", "short.exr", "text.png"}));
+}
+
+TEST_F(Vhpano, AnInputOfAnotherShapeIsAWarning)
+{
+    struct Row {
+        const char* from;
+        int width, height;
+        const char* shape; // null: it fits
+    };
+    for (const Row& row :
+         {Row{"latlong", 64, 32, nullptr}, Row{"latlong", 63, 32, nullptr}, Row{"latlong", 64, 64, "2:1"},
+          Row{"latlong", 64, 30, "2:1"}, Row{"angular", 64, 64, nullptr}, Row{"ball", 64, 32, "1:1"},
+          Row{"cube", 8, 48, nullptr}, Row{"cube", 64, 48, "1:6"}, Row{"fisheye", 64, 60, "1:1"},
+          Row{"fisheye", 200, 197, nullptr}}) {
+        write(folder.path("in.exr"), painted(layouts[0], row.width, row.height));
+        const Outcome outcome =
+            run({"in.exr", "out.exr", "--from", row.from, "--to", "latlong", "--size", "8", "4"});
+        EXPECT_EQ(outcome.status, 0);
+        const std::string warning = "vhpano: warning: \"in.exr\" has " + std::to_string(row.width) + " by " +
+                                    std::to_string(row.height) + " pixels, but " + row.from + " is ";
+        EXPECT_EQ(outcome.messages, row.shape ? warning + row.shape + ": it is taken as stretched\n" : "");
+    }
+}
+
+TEST_F(Vhpano, ATypeThatTheFormatCannotHoldIsRefused)
+{
+    write(folder.path("in.exr"), painted(layouts[0], 64, 32));
+    const auto with = [](const char* out, const char* type) {
+        return std::vector<std::string>{"in.exr", out, "--from", "latlong", "--to", "cube", "--type", type};
+    };
+    expectError(with("out.jpg", "half"), 1,
+                "cannot write \"out.jpg\": its format cannot hold half, but uint8\n");
+    expectError(with("out.png", "float"), 1, "cannot write \"out.png\": its format cannot hold float, but ");
+    EXPECT_EQ(folder.names(), std::vector<std::string>{"in.exr"});
+    EXPECT_EQ(run(with("out.jpg", "uint8")).messages, "");
+    EXPECT_EQ(run({"in.exr", "plain.jpg", "--from", "latlong", "--to", "cube"}).messages, "")
+        << "none is asked for";
+}
+
+TEST_F(Vhpano, ACutOffPngIsToldInOneLine)
+{
+    write(folder.path("in.png"), painted(layouts[0], 512, 256), OIIO::TypeDesc::UINT8);
+    const auto size = std::filesystem::file_size(folder.path("in.png"));
+    for (const std::uintmax_t bytes : {size - 12, size / 2, std::uintmax_t{100}, std::uintmax_t{20}}) {
+        std::filesystem::resize_file(folder.path("in.png"), bytes);
+        expectError({"in.png", "out.png", "--from", "latlong", "--to", "cube"}, 1,
+                    "cannot read \"in.png\": its end is missing\n");
+    }
 }
 
 TEST_F(Vhpano, WidePicturesTakeAsMuchMemoryAsIsStated)

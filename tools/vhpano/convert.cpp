@@ -170,6 +170,8 @@ public:
             spec.alpha_channel = -1;
             spec.channelnames.resize(3);
         }
+        if (!conversion.type.empty())
+            refuseOtherType(spec);
         if (!writer_->open(file_.path(), spec))
             throw failed(writer_->geterror());
     }
@@ -192,6 +194,22 @@ public:
     }
 
 private:
+    /// Opening a file tells what type it will have; some complain on the error stream of one that is left
+    /// empty.
+    void refuseOtherType(OIIO::ImageSpec spec) const
+    {
+        spec.width = spec.full_width = spec.height = spec.full_height = 1;
+        const std::vector<float> pixel(static_cast<std::size_t>(spec.nchannels));
+        host::MemoryFile trial;
+        const auto writer = OIIO::ImageOutput::create(name_);
+        if (!writer->open(trial.path(), spec) || !writer->write_image(OIIO::TypeDesc::FLOAT, pixel.data()))
+            throw failed(writer->geterror());
+        if (const OIIO::TypeDesc held = writer->spec().format; held != spec.format)
+            throw failed(std::string("its format cannot hold ") + spec.format.c_str() + ", but " +
+                         held.c_str());
+        writer->close();
+    }
+
     Error failed(const std::string& reason) const
     {
         return Error("cannot write \"" + name_ + "\": " + reason);
@@ -204,9 +222,14 @@ private:
 
 } // namespace
 
-void convert(const Conversion& conversion, const std::function<void(double)>& progress)
+void convert(const Conversion& conversion, const std::function<void(const std::string&)>& warn,
+             const std::function<void(double)>& progress)
 {
     const OIIO::ImageSpec spec = host::checkImageFile(conversion.input);
+    if (const auto shape = shapeInstead(conversion.from, {spec.full_width, spec.full_height}))
+        warn(host::inQuotes(conversion.input) + " has " + std::to_string(spec.full_width) + " by " +
+             std::to_string(spec.full_height) + " pixels, but " + nameOf(conversion.from) + " is " + *shape +
+             ": it is taken as stretched");
     const Size size =
         conversion.size.value_or(sizeFor(conversion.to, pixelsPerTurn(conversion.from, spec.full_width)));
     Target target(conversion, spec, size);

@@ -38,11 +38,13 @@ struct Conversion {
 };
 
 /// Reads, converts and writes. Where the output's layout shows no direction, or the input none for it, pixels
-/// are 0 in all channels. `progress` is called with fractions from 0 to 1 by the calling thread.
+/// are 0 in all channels. `warn` is told of an input that has not its layout's shape. `progress` is called
+/// with fractions from 0 to 1 by the calling thread.
 ///
 /// Memory: at most 1 GiB of the input, the finished file, and a few dozen rows of the output for each thread.
 /// The output is written when it is complete; its file is left as it was when anything fails. Throws
 /// host::Error.
-void convert(const Conversion& conversion, const std::function<void(double)>& progress);
+void convert(const Conversion& conversion, const std::function<void(const std::string&)>& warn,
+             const std::function<void(double)>& progress);
 
 } // namespace vhpano

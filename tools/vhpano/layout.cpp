@@ -33,11 +33,11 @@ const Entry& entry(Layout layout) { return entries[static_cast<std::size_t>(layo
 
 } // namespace
 
-std::string layoutNames()
+std::vector<std::string> layoutNames()
 {
-    std::string names;
+    std::vector<std::string> names;
     for (const Entry& each : entries)
-        names += (names.empty() ? "" : ", ") + std::string(each.name);
+        names.emplace_back(each.name);
     return names;
 }
 
@@ -49,9 +49,21 @@ std::optional<Layout> layoutOf(const std::string& name)
     return {};
 }
 
+const char* nameOf(Layout layout) { return entry(layout).name; }
+
 const VHL::dPanoramicConversion& mappingOf(Layout layout) { return entry(layout).mapping; }
 
 double pixelsPerTurn(Layout layout, int width) { return width / entry(layout).turns; }
+
+std::optional<std::string> shapeInstead(Layout layout, const Size& size)
+{
+    const double aspect = entry(layout).aspect;
+    const double off = std::abs(size.height - size.width * aspect);
+    if (off <= std::max({1.0, aspect, 0.02 * size.height}))
+        return {};
+    const auto whole = [](double number) { return std::to_string(std::lround(std::max(1.0, number))); };
+    return whole(1 / aspect) + ':' + whole(aspect);
+}
 
 Size sizeFor(Layout layout, double pixelsPerTurn)
 {

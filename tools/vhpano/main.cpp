@@ -1,15 +1,20 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // vhpano: converts panoramic images between layouts.
+#include "host/report/guess.h"
 #include "host/report/progress.h"
 #include "tools/vhpano/convert.h"
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
+#include <charconv>
 #include <cmath>
 #include <cstdio>
 #include <exception>
 #include <map>
 #include <new>
+#include <string>
+#include <vector>
 
 namespace {
 
@@ -18,18 +23,63 @@ const std::map<std::string, vhpano::Filter> filters = {{"footprint", vhpano::Fil
                                                        {"bilinear", vhpano::Filter::bilinear},
                                                        {"bicubic", vhpano::Filter::bicubic}};
 
-/// Reads a layout by name or throws what CLI11 prints.
-vhpano::Layout layout(const std::string& name)
-{
-    if (const auto found = vhpano::layoutOf(name))
-        return *found;
-    throw CLI::ValidationError("'" + name + "' is no layout; there are " + vhpano::layoutNames());
-}
+void print(const std::string& text) { std::fprintf(stderr, "vhpano: %s\n", text.c_str()); }
 
 int fail(const std::string& text, int status)
 {
-    std::fprintf(stderr, "vhpano: %s\n", text.c_str());
+    print(text);
     return status;
+}
+
+std::string didYouMean(const std::string& wrong, const std::vector<std::string>& names)
+{
+    host::Guess guess(wrong);
+    for (const std::string& name : names)
+        guess.offer(name);
+    return guess.text();
+}
+
+CLI::Validator oneOf(const std::vector<std::string>& names)
+{
+    return {[names](const std::string& word) {
+                if (std::find(names.begin(), names.end(), word) != names.end())
+                    return std::string();
+                return "'" + word + "' is none of " + CLI::detail::join(names, ", ") +
+                       didYouMean(word, names);
+            },
+            ""};
+}
+
+CLI::Validator wholeNumber(int least, int most)
+{
+    return {[least, most](const std::string& text) {
+                int number = 0;
+                const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+                const bool fits = error == std::errc() && end == text.data() + text.size() &&
+                                  number >= least && number <= most;
+                return fits ? std::string()
+                            : "'" + text + "' is no whole number from " + std::to_string(least) + " to " +
+                                  std::to_string(most);
+            },
+            ""};
+}
+
+/// What is wrong with the call: an option that is not known goes before what is missing in its place.
+std::string reason(const CLI::App& app, const CLI::ParseError& error)
+{
+    const std::vector<std::string> rest = app.remaining();
+    const auto unknown =
+        std::find_if(rest.begin(), rest.end(), [](const std::string& word) { return word[0] == '-'; });
+    if (unknown != rest.end()) {
+        std::vector<std::string> names;
+        for (const CLI::Option* const option : app.get_options())
+            for (const std::string& name : option->get_lnames())
+                names.push_back("--" + name);
+        return "'" + *unknown + "' is no option" + didYouMean(*unknown, names);
+    }
+    if (dynamic_cast<const CLI::ExtrasError*>(&error))
+        return "'" + rest.front() + "' is one file too many";
+    return error.what();
 }
 
 } // namespace
@@ -50,39 +100,45 @@ int main(int count, char** arguments)
     app.set_version_flag("--version", "vhpano " VHL_VERSION);
     app.add_option("in", conversion.input, "image to read: EXR, HDR, TIFF, PNG, JPEG ...")->required();
     app.add_option("out", conversion.output, "image to write; its extension chooses the format")->required();
-    app.add_option("--from", from, "layout of the input")->required()->type_name("LAYOUT");
-    app.add_option("--to", to, "layout of the output")->required()->type_name("LAYOUT");
+    app.add_option("--from", from, "layout of the input")
+        ->required()
+        ->type_name("LAYOUT")
+        ->check(oneOf(vhpano::layoutNames()));
+    app.add_option("--to", to, "layout of the output")
+        ->required()
+        ->type_name("LAYOUT")
+        ->check(oneOf(vhpano::layoutNames()));
     app.add_option("--size", size, "pixels of the output (default: to show as much as the input does)")
         ->expected(2)
         ->type_name("W H")
-        ->check(CLI::Range(1, 1 << 20));
+        ->check(wholeNumber(1, 1 << 20));
     app.add_option(
            "--filter", filter,
            "footprint (default): averages what a pixel covers, bicubic where it covers less than one; "
            "nearest, bilinear, bicubic")
         ->type_name("NAME")
-        ->check(CLI::IsMember(filters));
+        ->check(oneOf({"footprint", "nearest", "bilinear", "bicubic"}));
     app.add_option("--rotate", rotation,
                    "degrees by which the view turns right, then up, then tilts clockwise")
         ->expected(3)
         ->type_name("YAW PITCH ROLL");
     app.add_option("--type", conversion.type, "uint8, uint16, half or float (default: the input's)")
         ->type_name("TYPE")
-        ->check(CLI::IsMember({"uint8", "uint16", "half", "float"}));
+        ->check(oneOf({"uint8", "uint16", "half", "float"}));
     app.add_option("--threads", conversion.threads, "threads (default: as many as the machine has)")
         ->type_name("N")
-        ->check(CLI::Range(1, 1024));
+        ->check(wholeNumber(1, 1024));
     try {
         app.parse(count, arguments);
-        conversion.from = layout(from);
-        conversion.to = layout(to);
+        conversion.from = *vhpano::layoutOf(from);
+        conversion.to = *vhpano::layoutOf(to);
         for (const double degrees : rotation)
             if (!(std::abs(degrees) <= 1e6)) // or no number
                 throw CLI::ValidationError("--rotate: degrees are from -1000000 to 1000000");
     } catch (const CLI::Success& success) {
         return app.exit(success);
     } catch (const CLI::ParseError& error) {
-        return fail(error.what(), 2);
+        return fail(reason(app, error), 2);
     }
     conversion.filter = filters.at(filter);
     if (!size.empty())
@@ -92,7 +148,8 @@ int main(int count, char** arguments)
 
     try {
         host::ProgressLine line("converting");
-        vhpano::convert(conversion, [&](double fraction) { line.show(fraction); });
+        const auto warn = [](const std::string& text) { print("warning: " + text); };
+        vhpano::convert(conversion, warn, [&](double fraction) { line.show(fraction); });
         return 0;
     } catch (const std::bad_alloc&) {
         return fail("out of memory", 1);

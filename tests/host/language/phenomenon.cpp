@@ -305,7 +305,7 @@ TEST(Phenomenon, MayGiveAMaterial)
     EXPECT_TRUE(named.record.opaque);
     EXPECT_NE(scene.get<host::Material>("made").shader, named.shader);
     EXPECT_EQ(scene.errorOf("\nmaterial \"two\" = \"red\" = \"red\" end material"),
-              "2:18: shader \"red\" (p) gives a material, it cannot be called as a shader");
+              "2:18: phenomenon \"red\" (p) gives a material, it cannot be called as a shader");
 }
 
 TEST(Phenomenon, MayGiveALight)
@@ -318,7 +318,7 @@ TEST(Phenomenon, MayGiveALight)
         "shader \"lamp\" \"p\" ( ) instance \"i\" \"lamp\" end instance");
     EXPECT_EQ(scene.get<host::Instance>("i").record.item, scene.session.database.lookup("lamp::l"));
     EXPECT_EQ(scene.errorOf("\nmaterial \"m\" = \"lamp\" end material"),
-              "2:16: shader \"lamp\" (p) gives a light, it cannot be called as a shader");
+              "2:16: phenomenon \"lamp\" (p) gives a light, it cannot be called as a shader");
 }
 
 TEST(Phenomenon, ExtraRootsAreKeptWithTheirPriority)

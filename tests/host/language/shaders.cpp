@@ -153,6 +153,9 @@ TEST(Shader, ANameThatIsNearIsOffered)
     EXPECT_EQ(errorOf(text + "shader \"x\" \"mixColor5\" ( )"),
               "2:12: the shader \"mixColor5\" is not declared; did you mean \"mixColor\"?")
         << "the first of two";
+    EXPECT_EQ(errorOf("declare color \"mix_v1\" ( ) declare color \"mix_v2\" ( )\nshader \"x\" \"mix\" ( )"),
+              "2:12: the shader \"mix\" is not declared; did you mean \"mix_v2\"?")
+        << "the last version";
     EXPECT_EQ(
         errorOf("shader \"x\" \"mixColour\" ( )\n" + text + "declare color \"mixColour\" ( )"),
         "1:12: the shader \"mixColour\" is not declared; it comes at scene:3:15, but must be defined above "
