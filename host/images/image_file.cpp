@@ -13,14 +13,30 @@ namespace host {
 
 namespace {
 
+/// So many pixels, or numbers, may a file ask for without having them.
+constexpr OIIO::imagesize_t most = 1u << 28;
+
+/// What is read at once: a tile or a row.
+OIIO::imagesize_t numbersAtOnce(const OIIO::ImageSpec& spec)
+{
+    return (spec.tile_width > 0 ? spec.tile_pixels() : OIIO::imagesize_t(spec.width)) *
+           OIIO::imagesize_t(spec.nchannels);
+}
+
+/// The display window is filled when a pyramid is made, and costs a file nothing.
+bool displayWindowIsFarTooLarge(const OIIO::ImageSpec& spec)
+{
+    const double pixels = double(spec.full_width) * double(spec.full_height);
+    return pixels > double(most) && pixels > 16.0 * double(spec.image_pixels());
+}
+
 /// Whether the last row or tile can be read. A reader may report success and leave no more than an error
 /// text.
 bool hasItsEnd(OIIO::ImageInput& input)
 {
     const OIIO::ImageSpec& spec = input.spec();
     const bool tiled = spec.tile_width > 0;
-    std::vector<float> pixels((tiled ? spec.tile_pixels() : std::size_t(spec.width)) *
-                              std::size_t(spec.nchannels));
+    std::vector<float> pixels(numbersAtOnce(spec));
     const auto lastTile = [](int begin, int size, int tile) { return begin + (size - 1) / tile * tile; };
     const bool read =
         tiled ? input.read_tile(lastTile(spec.x, spec.width, spec.tile_width),
@@ -65,6 +81,11 @@ OIIO::ImageSpec checkImageFile(const std::string& file)
     OIIO::ImageSpec spec = input->spec();
     if (spec.width <= 0 || spec.height <= 0 || spec.nchannels <= 0)
         throw unreadable("it is empty");
+    if (displayWindowIsFarTooLarge(spec))
+        throw unreadable("its display window, " + std::to_string(spec.full_width) + " by " +
+                         std::to_string(spec.full_height) + ", is far larger than the picture");
+    if (numbersAtOnce(spec) > most)
+        throw unreadable("its tiles or rows are too large");
     if (!hasItsEnd(*input))
         throw unreadable(input->has_error() ? input->geterror() : "its end is missing");
     return spec;

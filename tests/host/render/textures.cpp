@@ -170,6 +170,30 @@ TEST(Texture, Files)
         }
 }
 
+TEST(Texture, ADisplayWindowFarLargerThanThePictureIsRefused)
+{
+    // Its pyramid would be made of all the window, which takes minutes, and a file of a few bytes.
+    const Folder folder;
+    host::TextureFiles files;
+    host::Texture texture;
+    texture.name = "wood";
+    const auto openWithWindow = [&](int height) {
+        texture.file = folder.path("t" + std::to_string(height) + ".exr");
+        OIIO::ImageSpec spec(4, 2, 3, OIIO::TypeDesc::HALF);
+        spec.full_width = 4;
+        spec.full_height = height;
+        const auto output = OIIO::ImageOutput::create(texture.file);
+        const std::vector<float> pixels(4 * 2 * 3, 0.5f);
+        EXPECT_TRUE(output->open(texture.file, spec) &&
+                    output->write_image(OIIO::TypeDesc::FLOAT, pixels.data()) && output->close());
+        return errorOf([&] { files.open(texture, {}); });
+    };
+    const std::string error = openWithWindow(600'000'000);
+    EXPECT_EQ(error, "texture \"wood\": cannot read \"" + texture.file +
+                         "\": its display window, 4 by 600000000, is far larger than the picture");
+    EXPECT_EQ(openWithWindow(6000), "nothing was thrown");
+}
+
 TEST(Texture, MissingAndUnreadableFilesNameTheTexture)
 {
     const Folder folder;
