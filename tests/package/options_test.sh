@@ -18,7 +18,8 @@ sed -nE 's/^  (-[A-Za-z_,-]+).*/\1/p' "$folder/text" | tr , '\n' | sort >"$folde
 [[ $(wc -l <"$folder/help") -ge 10 ]] || fail "the help of $name is not what this test expects"
 words=$({
     sed -nE 's/^  (-[A-Za-z],)?(-[a-z_]+) ([A-Za-z0-9-]+\|[^ ]*).*/\2 \3/p' "$folder/text" # -shadow on|off
-    sed -nE 's/^  (--[a-z]+) [A-Z]+:\{([a-z0-9,]+)\}.*/\1 \2/p' "$folder/text"           # --type TYPE:{uint8,half}
+    sed -nE 's/^  (--type) TYPE +(.*) \(default.*/\1 \2/p; s/^  (--filter) NAME +(.*) \(.*; (.*)/\1 \2, \3/p' "$folder/text" |
+        sed 's/ or /,/; s/, /,/g'                                                         # --type TYPE uint8 or half
     sed -nE 's/^  (-filter) TYPE.* +(box, .*);.*/\1 \2/p' "$folder/text" | tr -d ' ' | sed 's/-filter/& /'
 } | while read -r option alternatives; do
     tr '|,' '\n\n' <<<"$alternatives" | grep -E '^[a-z]' | sed "s/^/$option /"
@@ -26,7 +27,7 @@ done | sort)
 [[ -n $words ]] || fail "no option of $name has words"
 
 if [[ $name == vhpano ]]; then # the layouts, from the message about a wrong one
-    layouts=$({ "$program" in out --from none --to none 2>&1 || true; } | sed -n 's/.*there are //p' | tr -d ' ' | tr , '\n')
+    layouts=$({ "$program" in out --from none --to none 2>&1 || true; } | sed -n 's/.* is none of //p' | tr -d ' ' | tr , '\n')
     [[ -n $layouts ]] || fail "vhpano names no layouts"
     words=$(sort <<<"$words"$'\n'"$(sed 's/^/--from /' <<<"$layouts")"$'\n'"$(sed 's/^/--to /' <<<"$layouts")")
 fi
