@@ -5,16 +5,6 @@
 #include "host/api/warning.h"
 #include "host/base/shader.h"
 
-/// The init of a shader with a LightChoice `lights` among its Parameters.
-#define BASE_LIGHTS_INIT(shader, Parameters)                                                                 \
-    BASE_ENTRY void shader##_init(miState* state, Parameters* p, miBoolean* instances)                       \
-    {                                                                                                        \
-        if (p)                                                                                               \
-            checkMode(state, p->lights);                                                                     \
-        else                                                                                                 \
-            *instances = miTRUE;                                                                             \
-    }
-
 namespace host::base {
 
 /// Values of the parameter `mode`.
@@ -25,14 +15,26 @@ struct LightChoice {
     Array<miTag> lights;
 };
 
-/// Warns of a mode that is none, which is taken as exclusive. One that is connected is not known before its
-/// call, and what stands in its place is the default.
-inline void checkMode(const miState* state, const LightChoice& choice)
+/// The init of a shader with a LightChoice `lights` among its parameters, which are null when it is asked for
+/// the shader itself. Warns of a mode that is none, which is taken as exclusive. One that is connected is not
+/// known before its call, and what stands in its place is the default.
+template <class Parameters>
+void checkMode(const miState* state, const Parameters* parameters, miBoolean* instances)
 {
-    const int mode = choice.mode;
+    if (!parameters) {
+        *instances = miTRUE;
+        return;
+    }
+    const int mode = parameters->lights.mode;
     if (mode < 0 || mode == 3 || mode > 4)
         host_warning(state, "\"mode\" is none of 0, 1, 2 and 4, and taken as 2");
 }
+
+#define BASE_LIGHTS_INIT(shader, Parameters)                                                                 \
+    BASE_ENTRY void shader##_init(miState* state, Parameters* p, miBoolean* instances)                       \
+    {                                                                                                        \
+        host::base::checkMode(state, p, instances);                                                          \
+    }
 
 /// Calls visit(light instance) for each chosen light, in the order of the array or of the renderer's list.
 /// Mode 0 takes the array as it is; every mode the renderer answers gives leaf instances.
