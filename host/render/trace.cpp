@@ -161,10 +161,12 @@ void fade(miColor& share, const miColor& opacity)
 /// An eye ray, and what lies behind the surfaces that let themselves be seen through.
 miBoolean shadeEye(RenderThread& thread, Frame& frame, Ray ray, miColor& result)
 {
+    if (!thread.stage.compositesOpacity)
+        return shade(thread, frame, ray, result);
     const miState start = frame.state;
     const Surroundings surroundings = frame.surroundings;
     const miBoolean found = shade(thread, frame, ray, result);
-    if (!thread.stage.compositesOpacity || !seesThrough(frame.opacity))
+    if (!seesThrough(frame.opacity))
         return found;
     miColor share = {1.0f, 1.0f, 1.0f, 1.0f};
     fade(share, *frame.opacity);
