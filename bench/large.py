@@ -40,18 +40,21 @@ def mi_object(name, vectors, triangles):
 
 
 with open(f"{folder}/large.mi", "w") as mi:
-    mi.write('link "libvhl.so"\n$include <vhl.mi>\n'
-             'options "opt" samples 0 0 object space end options\n'
-             'material "grey" opaque "vhConstColor_v2" ( "input" 0.5 0.5 0.5 1 ) end material\n'
-             'camera "cam" output "rgba" "tif" "large.tif" focal 1 aperture 1 aspect 1 resolution 1000 1000 end camera\n'
-             'instance "cam-i" "cam" transform 1 0 0 0 0 0.6 0.8 0 0 -0.8 0.6 0 0 0 -16 1 end instance\n')
+    mi.write('link "base.so"\n$include <base.mi>\n'
+             'options "opt" samples 0 0 object space shadow off end options\n'
+             'light "sun" "mib_light_infinite" ( "color" 1 1 1, "shadow" off ) direction -0.8 0 -0.6 end light\n'
+             'instance "sun-i" "sun" end instance\n'
+             'material "grey" opaque "mib_illum_lambert" ( "diffuse" 0.9 0.9 0.9, "mode" 1, "lights" ["sun-i"] )\n'
+             'end material\n'
+             'camera "cam" output "rgb" "tif" "large.tif" focal 1 aperture 1 aspect 1 resolution 1000 1000 end camera\n'
+             'instance "cam-i" "cam" transform 1 0 0 0 0 0.6 -0.8 0 0 0.8 0.6 0 0 0 -16 1 end instance\n')
     mi.writelines(mi_object("field", points, faces))
     mi.writelines(mi_object("stone", stone, stone_faces))
     mi.write('instance "field-i" "field" material "grey" end instance\n')
     for k, (x, y) in enumerate(places):
         mi.write(f'instance "s{k}" "stone" material "grey" transform 1 0 0 0 0 1 0 0 0 0 1 0 '
                  f"{-x:.6g} {-y:.6g} {-height(x, y):.6g} 1 end instance\n")
-    mi.write('instgroup "root" "cam-i" "field-i"\n')
+    mi.write('instgroup "root" "cam-i" "sun-i" "field-i"\n')
     mi.writelines(f'"s{k}"\n' for k in range(stones))
     mi.write('end instgroup\nrender "root" "cam-i" "opt"\n')
 
@@ -61,13 +64,14 @@ def pov_mesh(name, vectors, triangles):
     yield from (f",<{x:.6g},{y:.6g},{z:.6g}>\n" for x, y, z in vectors)
     yield f"}} face_indices {{ {len(triangles)}\n"
     yield from (f",<{a},{b},{c}>\n" for a, b, c in triangles)
-    yield "} texture { pigment { rgb 0.5 } finish { ambient 1 diffuse 0 } } }\n"
+    yield "} texture { pigment { rgb 0.9 } finish { ambient 0 diffuse 1 } } }\n"
 
 
-# The same view: from 16 away along the axis that the camera above looks along.
+# The same view and light: from 16 away along the axis that the camera above looks along.
 with open(f"{folder}/large.pov", "w") as pov:
     pov.write("#version 3.7; global_settings { assumed_gamma 1 }\n"
-              "camera { location <0, -12.8, 9.6> right x up z direction <0, 0.8, -0.6> }\n")
+              "light_source { <800, 0, 600> rgb 1 parallel point_at <0, 0, 0> shadowless }\n"
+              "camera { location <0, -12.8, 9.6> right x up <0, 0.6, 0.8> direction <0, 0.8, -0.6> }\n")
     pov.writelines(pov_mesh("Field", points, faces))
     pov.writelines(pov_mesh("Stone", stone, stone_faces))
     pov.write("object { Field }\n")
