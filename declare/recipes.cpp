@@ -16,12 +16,10 @@ static std::string capitalised(std::string text)
     return text;
 }
 
-static std::string joined(const Lines& lines)
+/// Adds a line to a paragraph.
+static void append(std::string& paragraph, const std::string& line)
 {
-    std::string text;
-    for (const std::string& line : lines)
-        text += (text.empty() ? "" : " ") + line;
-    return text;
+    paragraph += (paragraph.empty() ? "" : " ") + line;
 }
 
 /// A parameter's line: its comment begins with the range in brackets, where there is one.
@@ -57,7 +55,7 @@ static void readComment(Recipe& recipe, const Lines& comment)
             std::ranges::find_if(parts, [&](const auto& it) { return line.starts_with(it.word); });
         isPurpose &= part == std::end(parts);
         if (isPurpose)
-            recipe.text += (recipe.text.empty() ? "" : " ") + line;
+            append(recipe.text, line);
         else if (part == std::end(parts))
             throw std::runtime_error(recipe.name + ": no word begins the line " + line);
         else
@@ -124,30 +122,31 @@ std::vector<RecipeGroup> recipes(std::string_view text)
             line = end;
         } else {
             if (!groups.empty() && groups.back().recipes.empty())
-                groups.back().about += joined(comment);
+                for (const std::string& said : comment)
+                    append(groups.back().about, said);
             comment.clear();
         }
     return groups;
 }
+
+/// What follows the number of recipes.
+static constexpr std::string_view introduction =
+    " networks for everyday needs that no single shader covers, ready to be used like shaders. They are "
+    "phenomena of shaders of `libvhl.so` and need nothing else:\n\n"
+    "```\nlink \"libvhl.so\"\n$include <vhl.mi>\n$include <recipes.mi>\n\n"
+    "shader \"soft\" \"vhrSmoothstepScalar_v1\" ( \"input\" = \"height\", \"lower\" 0.2, \"upper\" 0.8 )\n"
+    "```\n\n"
+    "Their names begin with `vhr`. Parameters that are left out have their defaults, and each recipe does "
+    "something without any. A recipe may be connected to another, and be used in one.\n\n"
+    "Unless a page tells otherwise, colours keep the alpha of their input, nothing is clamped, and NaN stays "
+    "NaN.\n";
 
 std::string recipeIntroduction(std::span<const RecipeGroup> groups)
 {
     std::size_t count = 0;
     for (const RecipeGroup& group : groups)
         count += group.recipes.size();
-    return std::to_string(count) +
-           " networks for everyday needs that no single shader covers, ready to be used like shaders. They "
-           "are "
-           "phenomena of shaders of `libvhl.so` and need nothing else:\n\n"
-           "```\nlink \"libvhl.so\"\n$include <vhl.mi>\n$include <recipes.mi>\n\n"
-           "shader \"soft\" \"vhrSmoothstepScalar_v1\" "
-           "( \"input\" = \"height\", \"lower\" 0.2, \"upper\" 0.8 )\n```\n\n"
-           "Their names begin with `vhr`. Parameters that are left out have their defaults, and each recipe "
-           "does "
-           "something without any. A recipe may be connected to another, and be used in one.\n\n"
-           "Unless a page tells otherwise, colours keep the alpha of their input, nothing is clamped, and "
-           "NaN "
-           "stays NaN.\n";
+    return std::to_string(count).append(introduction);
 }
 
 } // namespace declare
