@@ -5,6 +5,7 @@
 
 #include <array>
 #include <cstdint>
+#include <filesystem>
 #include <fstream>
 #include <string_view>
 #include <vector>
@@ -28,6 +29,13 @@ bool displayWindowIsFarTooLarge(const OIIO::ImageSpec& spec)
 {
     const double pixels = double(spec.full_width) * double(spec.full_height);
     return pixels > double(most) && pixels > 16.0 * double(spec.image_pixels());
+}
+
+/// Deflate packs a thousandfold, and bits eight times more: a file with fewer bytes lies.
+bool claimsFarTooMuch(const OIIO::ImageSpec& spec, std::uintmax_t fileSize)
+{
+    const double numbers = double(spec.image_pixels()) * spec.nchannels;
+    return numbers > double(most) && numbers > 16384.0 * double(fileSize);
 }
 
 /// Whether the last row or tile can be read. A reader may report success and leave no more than an error
@@ -66,6 +74,41 @@ bool isCutOffPng(const std::string& file)
     return true;
 }
 
+/// Whether an attribute of an OpenEXR file's header claims more bytes than follow it. Its reader takes as
+/// much memory as is claimed before it looks. A header is a list of attributes, each a name, a type, a length
+/// and a value, and ends with an empty name; in a file of many parts so does the list of headers.
+bool isCutOffExr(const std::string& file, std::uintmax_t size)
+{
+    std::ifstream bytes(file, std::ios::binary);
+    const auto word = [&bytes] {
+        std::array<unsigned char, 4> b{};
+        bytes.read(reinterpret_cast<char*>(b.data()), b.size());
+        return std::uint32_t(b[0]) | std::uint32_t(b[1]) << 8 | std::uint32_t(b[2]) << 16 |
+               std::uint32_t(b[3]) << 24;
+    };
+    constexpr std::uint32_t magic = 20000630, isMultiPart = 1u << 12;
+    if (word() != magic)
+        return false;
+    const int endsDue = word() & isMultiPart ? 2 : 1;
+    std::array<char, 256> text;
+    for (int ends = 0; ends < endsDue;) {
+        bytes.getline(text.data(), text.size(), '\0');
+        if (!bytes)
+            return true;
+        if (text[0] == '\0') {
+            ++ends;
+            continue;
+        }
+        ends = 0;
+        bytes.getline(text.data(), text.size(), '\0');
+        const std::uint32_t length = word();
+        if (!bytes || length > size - std::uintmax_t(bytes.tellg()))
+            return true;
+        bytes.seekg(length, std::ios::cur);
+    }
+    return false;
+}
+
 } // namespace
 
 OIIO::ImageSpec checkImageFile(const std::string& file)
@@ -73,7 +116,9 @@ OIIO::ImageSpec checkImageFile(const std::string& file)
     const auto unreadable = [&](const std::string& reason) {
         return Error("cannot read \"" + file + "\": " + reason.substr(0, reason.find('\n')));
     };
-    if (isCutOffPng(file))
+    std::error_code none;
+    const std::uintmax_t size = std::filesystem::file_size(file, none);
+    if (!none && (isCutOffPng(file) || isCutOffExr(file, size)))
         throw unreadable("its end is missing");
     const auto input = OIIO::ImageInput::open(file);
     if (!input)
@@ -84,6 +129,9 @@ OIIO::ImageSpec checkImageFile(const std::string& file)
     if (displayWindowIsFarTooLarge(spec))
         throw unreadable("its display window, " + std::to_string(spec.full_width) + " by " +
                          std::to_string(spec.full_height) + ", is far larger than the picture");
+    if (!none && claimsFarTooMuch(spec, size))
+        throw unreadable("it claims to have " + std::to_string(spec.width) + " by " +
+                         std::to_string(spec.height) + " pixels, and has " + std::to_string(size) + " bytes");
     if (numbersAtOnce(spec) > most)
         throw unreadable("its tiles or rows are too large");
     if (!hasItsEnd(*input))

@@ -194,6 +194,47 @@ TEST(Texture, ADisplayWindowFarLargerThanThePictureIsRefused)
     EXPECT_EQ(openWithWindow(6000), "nothing was thrown");
 }
 
+TEST(Texture, MorePixelsThanAFileCanHoldAreRefused)
+{
+    const Folder folder;
+    host::TextureFiles files;
+    host::Texture texture;
+    texture.name = "wood";
+    // 65535 by 32767 pixels of three bytes, packed by their runs; nothing follows the header.
+    using namespace std::string_literals;
+    folder.write("t.tga", "\0\0\x0A\0\0\0\0\0\0\0\0\0\xFF\xFF\xFF\x7F\x18\0"s + std::string(100, '\xFF'));
+    texture.file = folder.path("t.tga");
+    EXPECT_EQ(errorOf([&] { files.open(texture, {}); }),
+              "texture \"wood\": cannot read \"" + texture.file +
+                  "\": it claims to have 65535 by 32767 pixels, and has 118 bytes");
+}
+
+TEST(Texture, AnAttributeLongerThanItsFileIsRefusedUnread)
+{
+    const Folder folder;
+    host::TextureFiles files;
+    host::Texture texture;
+    texture.file = folder.path("t.exr");
+    const auto output = OIIO::ImageOutput::create(texture.file);
+    const std::vector<float> pixels(4 * 2 * 3, 0.5f);
+    const OIIO::ImageSpec spec(4, 2, 3, OIIO::TypeDesc::HALF);
+    ASSERT_TRUE(output->open(texture.file, spec) &&
+                output->write_image(OIIO::TypeDesc::FLOAT, pixels.data()) && output->close());
+    EXPECT_EQ(errorOf([&] { files.open(texture, {}); }), "nothing was thrown");
+    // Its length follows an attribute's name and type.
+    std::ifstream in(texture.file, std::ios::binary);
+    std::string bytes{std::istreambuf_iterator<char>(in), {}};
+    const std::string_view head("displayWindow\0box2i", 20);
+    const std::size_t length = bytes.find(head) + head.size();
+    ASSERT_LT(length, bytes.size());
+    ASSERT_EQ(bytes.substr(length, 4), std::string("\x10\0\0\0", 4));
+    bytes[length + 3] = 0x15;
+    folder.write("longer.exr", bytes);
+    texture.file = folder.path("longer.exr");
+    EXPECT_EQ(errorOf([&] { files.open(texture, {}); }),
+              "texture \"\": cannot read \"" + texture.file + "\": its end is missing");
+}
+
 TEST(Texture, MissingAndUnreadableFilesNameTheTexture)
 {
     const Folder folder;
