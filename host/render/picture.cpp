@@ -151,7 +151,8 @@ private:
         const int central = grid.side / 2 * grid.side + grid.side / 2;
         for (int i = 0; i < grid.count(); ++i) {
             const SamplePosition at = samplePosition(x, y, grid, i, options_.jitter);
-            const SampleResult seen = sample(thread, at.x, at.y, at.time);
+            const float time = options_.shutter > 0.0f ? sampleTime(x, y, grid, i) : 0.0f;
+            const SampleResult seen = sample(thread, at.x, at.y, time);
             if (i == central && settings_.facts)
                 picture_.facts[std::size_t(y) * picture_.width + x] = seen.facts;
             visit(i, at, seen.color);

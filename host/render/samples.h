@@ -38,27 +38,61 @@ struct PixelGrid {
 
 struct SamplePosition {
     float x, y; ///< raster
-    float time; ///< 0 to 1 over the shutter
 };
 
-/// Sample `index` of a pixel: the centre of its cell, moved within it by up to half of it with jitter 1. The
-/// shutter's time is cut into as many parts as there are samples, and each takes one of them.
+/// Numbers that make up a sample's place are other ones for each grid, or refined pixels would repeat the
+/// coarse ones' luck.
+inline std::uint32_t sampleSeed(const PixelGrid& grid, int index)
+{
+    return std::uint32_t(grid.side) << 24 ^ std::uint32_t(index);
+}
+
+/// Sample `index` of a pixel: the centre of its cell, moved within it by up to half of it with jitter 1.
 inline SamplePosition samplePosition(int x, int y, const PixelGrid& grid, int index, float jitter)
 {
     const auto px = std::uint32_t(x), py = std::uint32_t(y);
-    // Other numbers for each grid, or refined pixels would repeat the coarse ones' luck.
-    const std::uint32_t seed = std::uint32_t(grid.side) << 24 ^ std::uint32_t(index);
+    const std::uint32_t seed = sampleSeed(grid, index);
     const float dx = jitter * (unit(px, py, seed, 0) - 0.5f);
     const float dy = jitter * (unit(px, py, seed, 1) - 0.5f);
     const float cell = 1.0f / float(grid.side);
-    // An odd factor permutes the parts, whose number is a power of 2: otherwise time would run with the
-    // place.
-    const std::uint32_t factor = mixed(px, py, std::uint32_t(grid.side), 3) | 1u;
-    const std::uint32_t first = mixed(px, py, std::uint32_t(grid.side), 4);
-    const std::uint32_t part = (factor * std::uint32_t(index) + first) & std::uint32_t(grid.count() - 1);
-    const float time = (float(part) + unit(px, py, seed, 2)) / float(grid.count());
     return {float(x) + (float(index % grid.side) + 0.5f + dx) * cell,
-            float(y) + (float(index / grid.side) + 0.5f + dy) * cell, time};
+            float(y) + (float(index / grid.side) + 0.5f + dy) * cell};
+}
+
+/// Where `i` goes when the numbers below `count`, a power of 2, are shuffled; each seed has its own order.
+/// Kensler, "Correlated Multi-Jittered Sampling", Pixar Technical Memo 13-01, listing 3.
+inline std::uint32_t shuffled(std::uint32_t i, std::uint32_t count, std::uint32_t seed)
+{
+    const std::uint32_t w = count - 1;
+    i = (i ^ seed) * 0xE170893Du;
+    i ^= seed >> 16;
+    i ^= (i & w) >> 4;
+    i = (i ^ seed >> 8) * 0x0929EB3Fu;
+    i ^= seed >> 23;
+    i ^= (i & w) >> 1;
+    i *= (1u | seed >> 27) * 0x6935FA69u;
+    i ^= (i & w) >> 11;
+    i *= 0x74DCB303u;
+    i ^= (i & w) >> 2;
+    i *= 0x9E501CC3u;
+    i ^= (i & w) >> 2;
+    i = (i * 0xC860A3DFu) & w;
+    i ^= i >> 5;
+    return (i + seed) & w;
+}
+
+/// When sample `index` of a pixel is taken, 0 to 1 over the shutter. The shutter is cut into as many parts as
+/// there are samples, and each takes one of them. Of as many longer parts as the grid has rows, every row
+/// takes each once and so does every column, a Latin square: an edge that runs along with either is as smooth
+/// as the samples allow.
+inline float sampleTime(int x, int y, const PixelGrid& grid, int index)
+{
+    const auto px = std::uint32_t(x), py = std::uint32_t(y), side = std::uint32_t(grid.side);
+    const std::uint32_t column = std::uint32_t(index) % side, row = std::uint32_t(index) / side;
+    const std::uint32_t part =
+        shuffled(column, side, mixed(px, py, side, 3)) ^ shuffled(row, side, mixed(px, py, side, 4));
+    const std::uint32_t within = shuffled(column, side, mixed(px, py, side << 16 | part, 5));
+    return (float(part * side + within) + unit(px, py, sampleSeed(grid, index), 2)) / float(grid.count());
 }
 
 } // namespace host

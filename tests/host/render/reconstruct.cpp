@@ -6,6 +6,8 @@
 
 #include <cmath>
 #include <numbers>
+#include <set>
+#include <vector>
 
 namespace {
 
@@ -117,10 +119,72 @@ TEST(Samples, StratifiedWithoutJitterAndWithinTheirCellsWithIt)
             const auto moved = host::samplePosition(7, 3, grid, i, 1.0f);
             EXPECT_LE(std::abs(moved.x - still.x), 0.5f / float(grid.side) + 1e-6f);
             EXPECT_LE(std::abs(moved.y - still.y), 0.5f / float(grid.side) + 1e-6f);
-            EXPECT_GE(moved.time, 0.0f);
-            EXPECT_LT(moved.time, 1.0f);
         }
     }
+}
+
+TEST(Samples, EveryRowAndColumnSeesAllOfTheShutter)
+{
+    for (int level = 0; level <= 5; ++level)
+        for (int pixel = 0; pixel < 20; ++pixel) {
+            const host::PixelGrid grid(level);
+            const auto side = std::size_t(grid.side);
+            std::vector<int> parts(side * side);
+            std::vector<std::vector<int>> inRow(side, std::vector<int>(side)), inColumn = inRow;
+            for (int i = 0; i < grid.count(); ++i) {
+                const float time = host::sampleTime(pixel, 3 * pixel, grid, i);
+                ASSERT_GE(time, 0.0f);
+                ASSERT_LT(time, 1.0f);
+                ++parts[std::size_t(time * float(grid.count()))];
+                const auto longer = std::size_t(time * float(grid.side));
+                ++inRow[std::size_t(i) / side][longer];
+                ++inColumn[std::size_t(i) % side][longer];
+            }
+            EXPECT_EQ(parts, std::vector<int>(side * side, 1));
+            EXPECT_EQ(inRow, (std::vector<std::vector<int>>(side, std::vector<int>(side, 1))));
+            EXPECT_EQ(inColumn, inRow);
+        }
+}
+
+TEST(Samples, WhereverAnEdgeMovesNoPixelMissesItsShareByMuch)
+{
+    // An edge that crosses the pixel's centre in the middle of the shutter, and moves by two pixels: for
+    // reasons of symmetry the pixel is covered for half of the time.
+    const host::PixelGrid grid(3);
+    for (int degrees = 0; degrees < 180; degrees += 15) {
+        const double angle = degrees * std::numbers::pi / 180.0;
+        for (int y = 0; y < 40; ++y)
+            for (int x = 0; x < 40; ++x) {
+                int covered = 0;
+                for (int i = 0; i < grid.count(); ++i) {
+                    const auto at = host::samplePosition(x, y, grid, i, 1.0f);
+                    const double along =
+                        (at.x - x - 0.5) * std::cos(angle) + (at.y - y - 0.5) * std::sin(angle);
+                    covered += along < 2.0 * host::sampleTime(x, y, grid, i) - 1.0;
+                }
+                EXPECT_NEAR(covered, 32, 8) << degrees << " degrees, pixel " << x << ", " << y;
+            }
+    }
+}
+
+TEST(Samples, ShufflingTakesEveryNumberToEveryPlaceEquallyOften)
+{
+    constexpr std::uint32_t count = 8, seeds = 8000;
+    int times[count][count] = {};
+    for (std::uint32_t seed = 0; seed < seeds; ++seed) {
+        std::set<std::uint32_t> places;
+        for (std::uint32_t i = 0; i < count; ++i) {
+            const std::uint32_t place = host::shuffled(i, count, host::mixed(seed, 0, 0, 0));
+            places.insert(place);
+            ++times[i][place];
+        }
+        ASSERT_EQ(places.size(), count);
+        ASSERT_LT(*places.rbegin(), count);
+    }
+    // 1000 each; five standard deviations are 148.
+    for (const auto& row : times)
+        for (const int time : row)
+            EXPECT_NEAR(time, 1000, 148);
 }
 
 TEST(Samples, TheHashIsEven)
