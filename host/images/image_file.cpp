@@ -31,11 +31,12 @@ bool displayWindowIsFarTooLarge(const OIIO::ImageSpec& spec)
     return pixels > double(most) && pixels > 16.0 * double(spec.image_pixels());
 }
 
-/// Deflate packs a thousandfold, and bits eight times more: a file with fewer bytes lies.
+/// Deflate packs a thousandfold, and bits eight times more: a file with fewer bytes lies, or is of one
+/// colour. For 4096 by 4096 pixels of that it may take the time.
 bool claimsFarTooMuch(const OIIO::ImageSpec& spec, std::uintmax_t fileSize)
 {
     const double numbers = double(spec.image_pixels()) * spec.nchannels;
-    return numbers > double(most) && numbers > 16384.0 * double(fileSize);
+    return numbers > double(1u << 26) && numbers > 16384.0 * double(fileSize);
 }
 
 /// Whether the last row or tile can be read. A reader may report success and leave no more than an error
