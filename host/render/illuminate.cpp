@@ -192,13 +192,6 @@ miBoolean traceShadow(miColor& result, miState& state)
     return miTRUE;
 }
 
-miVector vectorToLight(const miState& state, const miVector& vector)
-{
-    const RenderThread* const thread = RenderThread::find(state);
-    const LeafLight* const light = thread ? thread->stage.lights.leaf(state.light_instance) : nullptr;
-    return light ? light->toLocal(vector, shutterFraction(state)) : vector;
-}
-
 const std::vector<miTag>& lightList(miState& state, const miTag* tags, int count, bool exclusive)
 {
     RenderThread& thread = RenderThread::of(state);

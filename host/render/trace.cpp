@@ -2,6 +2,7 @@
 #include "host/render/trace.h"
 
 #include "host/render/vector.h"
+#include "host/shading/network.h"
 
 #include <algorithm>
 #include <cmath>
@@ -316,6 +317,7 @@ SampleResult sample(RenderThread& thread, float rasterX, float rasterY, float ti
     state.camera_inst = stage.cameraLeaf.tag;
     state.camera = &stage.camera.record;
     state.options = &options;
+    state.global_lock = thread.ts.network.globalLock();
     state.ts = &thread.ts;
     state.thread = short(thread.ts.number);
     state.raster_x = rasterX;

@@ -43,9 +43,6 @@ miBoolean traceShadow(miColor& result, miState& state);
 miBoolean sampleLight(miColor& result, miVector* direction, float* cosine, miState& state, miTag light,
                       int& samples);
 
-/// A vector of internal space in that of the state's light at the state's time; as it is without a light.
-miVector vectorToLight(const miState& state, const miVector& vector);
-
 /// The leaf lights that the tags stand for, or all others; the list lives as long as the innermost ray.
 const std::vector<miTag>& lightList(miState& state, const miTag* tags, int count, bool exclusive);
 
