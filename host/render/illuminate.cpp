@@ -184,6 +184,7 @@ miBoolean traceShadow(miColor& result, miState& state)
         frame->state.type = miRAY_SHADOW;
         frame->surroundings = surroundings;
         setHit(*frame, -ray.direction, hit, false); // light comes from the ray's end
+        setVolumeBehind(thread, *frame, *World::surface(hit));
         frame->state.dist = state.dist;
         const StateScope scope(frame->state);
         if (!callAll(World::surface(hit)->shadow, &result, frame->state) || isBlack(result))

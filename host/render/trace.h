@@ -61,6 +61,10 @@ std::optional<miColor> opacityOf(const miState& state);
 /// turned against it.
 void setHit(Frame& frame, const miVector& direction, const Hit& hit, bool flip);
 
+/// Notes in the hit's state what refracted and transparent rays run through, when its material has a volume:
+/// that, or, out of it, the camera's again.
+void setVolumeBehind(const RenderThread& thread, Frame& frame, const Surface& surface);
+
 /// The state's time, from 0 when the shutter opens to 1 when it closes; 0 without motion blur.
 inline float shutterFraction(const miState& state)
 {
