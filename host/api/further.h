@@ -19,13 +19,13 @@ miBoolean mi_trace_probe(miState* state, miVector* direction, miVector* origin);
  */
 miBoolean mi_opacity_get(miState* state, miColor* opacity);
 
-/* Light passes surfaces one by one, whatever the options' shadow mode is: true, with the colour left alone. */
+/* Light passes surfaces one by one in every shadow mode: true, with the colour left alone. */
 miBoolean mi_trace_shadow_seg(miColor* result, miState* state);
 
-/* Between internal space and another: that of the world, of the camera as it stands when the shutter opens, of
- * the state's object or light as it stands at the state's time. Without an instance of that kind the result is
- * the argument. Normals have unit length afterwards. Results may be the arguments. mi_vector_to_world is in
- * shader.h. */
+/* Between internal space and another: that of the world, of the camera as it stands when the shutter opens,
+ * of the state's object or light as it stands at the state's time. Without an instance of that kind the
+ * result is the argument. Normals have unit length afterwards. Results may be the arguments.
+ * mi_vector_to_world is in shader.h. */
 void mi_point_to_world(const miState* state, miVector* result, const miVector* v);
 void mi_point_from_world(const miState* state, miVector* result, const miVector* v);
 void mi_vector_from_world(const miState* state, miVector* result, const miVector* v);
