@@ -19,9 +19,43 @@ miBoolean mi_trace_probe(miState* state, miVector* direction, miVector* origin);
  */
 miBoolean mi_opacity_get(miState* state, miColor* opacity);
 
-/* A vector of internal space in the space of the light whose ray the state is of, where that is at the
- * state's time. */
+/* Light passes surfaces one by one in every shadow mode: true, with the colour left alone. */
+miBoolean mi_trace_shadow_seg(miColor* result, miState* state);
+
+/* Between internal space and another: that of the world, of the camera as it stands when the shutter opens,
+ * of the state's object or light as it stands at the state's time. Without an instance of that kind the
+ * result is the argument. Normals have unit length afterwards. Results may be the arguments.
+ * mi_vector_to_world is in shader.h. */
+void mi_point_to_world(const miState* state, miVector* result, const miVector* v);
+void mi_point_from_world(const miState* state, miVector* result, const miVector* v);
+void mi_vector_from_world(const miState* state, miVector* result, const miVector* v);
+void mi_normal_to_world(const miState* state, miVector* result, const miVector* v);
+void mi_normal_from_world(const miState* state, miVector* result, const miVector* v);
+void mi_point_to_camera(const miState* state, miVector* result, const miVector* v);
+void mi_point_from_camera(const miState* state, miVector* result, const miVector* v);
+void mi_vector_to_camera(const miState* state, miVector* result, const miVector* v);
+void mi_vector_from_camera(const miState* state, miVector* result, const miVector* v);
+void mi_normal_to_camera(const miState* state, miVector* result, const miVector* v);
+void mi_normal_from_camera(const miState* state, miVector* result, const miVector* v);
+void mi_point_to_object(const miState* state, miVector* result, const miVector* v);
+void mi_point_from_object(const miState* state, miVector* result, const miVector* v);
+void mi_vector_to_object(const miState* state, miVector* result, const miVector* v);
+void mi_vector_from_object(const miState* state, miVector* result, const miVector* v);
+void mi_normal_to_object(const miState* state, miVector* result, const miVector* v);
+void mi_normal_from_object(const miState* state, miVector* result, const miVector* v);
+void mi_point_to_light(const miState* state, miVector* result, const miVector* v);
+void mi_point_from_light(const miState* state, miVector* result, const miVector* v);
 void mi_vector_to_light(const miState* state, miVector* result, const miVector* v);
+void mi_vector_from_light(const miState* state, miVector* result, const miVector* v);
+void mi_normal_to_light(const miState* state, miVector* result, const miVector* v);
+void mi_normal_from_light(const miState* state, miVector* result, const miVector* v);
+
+/* Locks: the state's global_lock, those that mi_query gives for a shader and for an instance, and a shader's
+ * own. Who holds one may take it again, and gives it back as often. */
+void mi_init_lock(miLock* lock);
+void mi_delete_lock(miLock* lock);
+void mi_lock(const miLock lock);
+void mi_unlock(const miLock lock);
 
 /* Results may be the arguments. A null matrix is the identity. */
 void mi_point_transform(miVector* result, miVector const* v, miMatrix const m);

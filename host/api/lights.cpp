@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Lights as shaders sample and list them.
-#include "host/api/further.h"
 #include "host/render/trace.h"
 
 namespace {
@@ -20,11 +19,6 @@ miBoolean mi_sample_light(miColor* const result, miVector* const dir, float* con
                           miState* const state, const miTag light, int* const samples)
 {
     return host::sampleLight(*result, dir, dot_nl, *state, light, *samples);
-}
-
-void mi_vector_to_light(const miState* state, miVector* result, const miVector* v)
-{
-    *result = host::vectorToLight(*state, *v);
 }
 
 miBoolean mi_inclusive_lightlist(int* n, miTag** lights, miState* state)

@@ -122,6 +122,14 @@ miBoolean mi_query(const miQ_type query, miState* const state, miTag tag, void* 
         if (Function* const function = functionOf(state, tag))
             return answer<void**>(result, &function->userSlot);
         return miFALSE;
+    case miQ_FUNC_LOCK:
+        if (Function* const function = functionOf(state, tag))
+            return answer<miLock*>(result, function->lock.handle());
+        return miFALSE;
+    case miQ_DECL_LOCK:
+        if (const Function* const function = functionOf(state, tag); function && function->shader)
+            return answer<miLock*>(result, function->shader->lock.handle());
+        return miFALSE;
     case miQ_DECL_VERSION:
         if (const Function* const function = functionOf(state, tag))
             return answer<int>(result, function->declaration().version.value_or(0));

@@ -33,6 +33,8 @@ miBoolean mi_trace_shadow(miColor* const result, miState* const state)
     return host::traceShadow(*result, *state);
 }
 
+miBoolean mi_trace_shadow_seg(miColor*, miState*) { return miTRUE; }
+
 miBoolean mi_trace_probe(miState* state, miVector* direction, miVector* origin)
 {
     return host::traceProbe(*state, *direction, *origin);

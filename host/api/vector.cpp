@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// Matrices and vectors. Internal space is world space.
+// Matrices and vectors.
 #include "host/api/further.h"
 
 #include "host/render/vector.h"
@@ -35,8 +35,6 @@ void mi_point_transform(miVector* const result, miVector const* const v, miMatri
 }
 
 void mi_vector_normalize(miVector* v) { *v = host::normalised(*v); }
-
-void mi_vector_to_world(const miState*, miVector* result, const miVector* v) { *result = *v; }
 
 void mi_matrix_null(miMatrix m) { std::fill_n(m, 16, 0.0f); }
 

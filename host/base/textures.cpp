@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Texture coordinates and image look-ups.
 
+#include "host/api/further.h"
 #include "host/api/texture_spaces.h"
 #include "host/base/coordinates.h"
 #include "host/base/shader.h"
@@ -63,21 +64,34 @@ enum class Space { internal = 0, world = 1, camera = 2, object = 3 };
 
 /// From internal space, in which the state has it. Only what lies in space has one: texture coordinates and
 /// raster positions stay as they are.
-miVector inSpace(const miVector& v, miState* state, int select, Space space)
+miVector inSpace(const miVector& v, const miState* state, Select select, Space space)
 {
-    const bool isPoint = select == static_cast<int>(Select::point);
-    if (select >= 0 || select == static_cast<int>(Select::raster) || space == Space::internal)
+    // In the order of Space.
+    constexpr decltype(&mi_point_to_world) points[] = {mi_point_to_world, mi_point_to_camera,
+                                                       mi_point_to_object};
+    constexpr decltype(&mi_vector_to_world) vectors[] = {mi_vector_to_world, mi_vector_to_camera,
+                                                         mi_vector_to_object};
+    constexpr decltype(&mi_normal_to_world) normals[] = {mi_normal_to_world, mi_normal_to_camera,
+                                                         mi_normal_to_object};
+    if (space < Space::world || space > Space::object)
         return v;
-    const miQ_type query = space == Space::world    ? miQ_TRANS_INTERNAL_TO_WORLD
-                           : space == Space::camera ? miQ_TRANS_INTERNAL_TO_CAMERA
-                                                    : miQ_TRANS_INTERNAL_TO_OBJECT;
-    miScalar* matrix = nullptr;
-    if (!mi_query(query, state, miNULLTAG, &matrix) || !matrix)
-        return v;
-    if (isPoint)
-        return transformedPoint(v, matrix);
-    miVector result;
-    mi_vector_transform(&result, &v, matrix);
+    const int number = static_cast<int>(space) - static_cast<int>(Space::world);
+    miVector result = v;
+    switch (select) {
+    case Select::point:
+        points[number](state, &result, &v);
+        break;
+    case Select::motion:
+    case Select::direction:
+        vectors[number](state, &result, &v);
+        break;
+    case Select::normal:
+    case Select::geometricNormal:
+        normals[number](state, &result, &v);
+        break;
+    default:
+        break;
+    }
     return result;
 }
 
@@ -94,7 +108,7 @@ BASE_ENTRY miBoolean mib_texture_vector(miVector* result, miState* state, Textur
     const int select = read(state, p->select);
     const auto space = static_cast<Space>(read(state, p->selspace));
     const auto projection = static_cast<Projection>(read(state, p->project));
-    const miVector v = inSpace(selected(state, select), state, select, space);
+    const miVector v = inSpace(selected(state, select), state, static_cast<Select>(select), space);
     *result = projected(v, projection);
     return miTRUE;
 }

@@ -116,6 +116,7 @@ void GeometryRun::run(Session& session, const std::vector<Instance*>& instances,
     state.version = MI_STATE_VERSION;
     state.camera = &camera.record;
     state.options = &options.record;
+    state.global_lock = network.globalLock();
     state.ts = &thread;
     state.type = miRAY_NONE;
     network.setExitState(state);

@@ -184,19 +184,13 @@ miBoolean traceShadow(miColor& result, miState& state)
         frame->state.type = miRAY_SHADOW;
         frame->surroundings = surroundings;
         setHit(*frame, -ray.direction, hit, false); // light comes from the ray's end
+        setVolumeBehind(thread, *frame, *World::surface(hit));
         frame->state.dist = state.dist;
         const StateScope scope(frame->state);
         if (!callAll(World::surface(hit)->shadow, &result, frame->state) || isBlack(result))
             return miFALSE;
     }
     return miTRUE;
-}
-
-miVector vectorToLight(const miState& state, const miVector& vector)
-{
-    const RenderThread* const thread = RenderThread::find(state);
-    const LeafLight* const light = thread ? thread->stage.lights.leaf(state.light_instance) : nullptr;
-    return light ? light->toLocal(vector, shutterFraction(state)) : vector;
 }
 
 const std::vector<miTag>& lightList(miState& state, const miTag* tags, int count, bool exclusive)

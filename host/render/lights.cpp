@@ -4,7 +4,6 @@
 #include "host/render/samples.h"
 #include "host/render/vector.h"
 #include "host/report/message.h"
-#include "host/scene/matrix.h"
 
 #include <algorithm>
 
@@ -72,18 +71,6 @@ int LeafLight::samples(int level) const
         return 1;
     const Strata counts = strata(light->record, level);
     return counts.u * counts.v;
-}
-
-miVector LeafLight::toLocal(const miVector& vector, float time) const
-{
-    const miTransform& tf = leaf->record.tf;
-    miMatrix inverse;
-    if (!moves)
-        return transformVector(vector, tf.global_to_local);
-    for (int i = 0; i < 16; ++i)
-        inverse[i] = tf.local_to_global[i] + leaf->drift[i] * time;
-    // Half a turn flattens it for a moment.
-    return transformVector(vector, invert(inverse, inverse) ? inverse : tf.global_to_local);
 }
 
 miVector LeafLight::point(int index, int level, std::uint32_t seed, float time) const

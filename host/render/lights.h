@@ -48,9 +48,6 @@ struct LeafLight {
         return moves ? normalised(direction + directionDrift * time) : direction;
     }
 
-    /// A vector of internal space in the light's own.
-    miVector toLocal(const miVector& vector, float time) const;
-
     /// How many samples a surface takes at most; `level` is the sum of the surface's ray levels.
     int samples(int level) const;
 

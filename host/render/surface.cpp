@@ -31,12 +31,6 @@ const Surface* Surfaces::add(miTag tag, const Element& user)
     return &surface;
 }
 
-const Surface* Surfaces::find(miTag material) const
-{
-    const auto found = surfaces_.find(material);
-    return found == surfaces_.end() ? nullptr : &found->second;
-}
-
 void Surfaces::collect(std::vector<Function*>& functions) const
 {
     for (const auto& [tag, surface] : surfaces_)

@@ -37,9 +37,6 @@ public:
     /// instance that names it, for a tag that is none.
     const Surface* add(miTag material, const Element& user);
 
-    /// The material of that tag, or null.
-    const Surface* find(miTag material) const;
-
     /// All of them, by tag.
     const std::map<miTag, Surface>& all() const { return surfaces_; }
 

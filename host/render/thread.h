@@ -37,6 +37,7 @@ inline constexpr std::size_t mostNestedRays = 4096;
 struct Surroundings {
     const FunctionList* environment = nullptr;
     const FunctionList* volume = nullptr;
+    const FunctionList* refractionVolume = nullptr;
 };
 
 /// A ray's state and what belongs to it. Frames are reused; their memory stays.

@@ -2,6 +2,7 @@
 #include "host/render/trace.h"
 
 #include "host/render/vector.h"
+#include "host/shading/network.h"
 
 #include <algorithm>
 #include <cmath>
@@ -25,6 +26,7 @@ void clearHit(Frame& frame)
     state.pri = nullptr;
     state.instance = miNULLTAG;
     state.material = miNULLTAG;
+    state.refraction_volume = miNULLTAG;
     state.label = 0;
     state.inv_normal = miFALSE;
     state.face = '\0';
@@ -66,12 +68,8 @@ miBoolean callEnvironment(RenderThread& thread, Frame& frame, miColor& result)
     return callSurrounding(thread, frame, frame.state.environment, frame.surroundings.environment, result);
 }
 
-/// The space that a frame's rays run through.
-void enter(Frame& frame, const FunctionList& volume)
-{
-    frame.surroundings.volume = &volume;
-    frame.state.volume = volume.empty() ? miNULLTAG : volume.front()->tag;
-}
+/// What stands for a list in a state.
+miTag tagOf(const FunctionList& list) { return list.empty() ? miNULLTAG : list.front()->tag; }
 
 /// A light's shape as it is seen: its shader is called for a ray of that type.
 miBoolean shadeLight(Frame& frame, const LeafLight& light, const ShapeHit& hit, miColor& result)
@@ -118,8 +116,9 @@ miBoolean shadeHit(RenderThread& thread, Frame& frame, const Ray& ray, miColor& 
         return callEnvironment(thread, frame, result);
     setHit(frame, ray.direction, hit, true);
     const Surface& surface = *World::surface(hit);
+    setVolumeBehind(thread, frame, surface);
     if (!surface.environment.empty()) {
-        frame.state.environment = surface.environment.front()->tag;
+        frame.state.environment = tagOf(surface.environment);
         frame.surroundings.environment = &surface.environment;
     }
     const StateScope scope(frame.state);
@@ -257,6 +256,18 @@ bool mayCast(const RenderThread& thread, const miState& state, miRay_type type)
 
 } // namespace
 
+void setVolumeBehind(const RenderThread& thread, Frame& frame, const Surface& surface)
+{
+    miState& state = frame.state;
+    Surroundings& around = frame.surroundings;
+    state.refraction_volume = miNULLTAG;
+    around.refractionVolume = nullptr;
+    if (surface.volume.empty() || state.options->no_volume)
+        return;
+    around.refractionVolume = state.inv_normal ? &thread.stage.volume : &surface.volume;
+    state.refraction_volume = tagOf(*around.refractionVolume);
+}
+
 double startDistance(const miVector& point)
 {
     constexpr double roundings = 32.0 * std::numeric_limits<float>::epsilon();
@@ -316,6 +327,7 @@ SampleResult sample(RenderThread& thread, float rasterX, float rasterY, float ti
     state.camera_inst = stage.cameraLeaf.tag;
     state.camera = &stage.camera.record;
     state.options = &options;
+    state.global_lock = thread.ts.network.globalLock();
     state.ts = &thread.ts;
     state.thread = short(thread.ts.number);
     state.raster_x = rasterX;
@@ -325,9 +337,9 @@ SampleResult sample(RenderThread& thread, float rasterX, float rasterY, float ti
     state.importance = 1.0f;
     if (options.shutter > 0.0f)
         state.time = options.shutter_delay + time * (options.shutter - options.shutter_delay);
-    frame->surroundings.environment = &stage.environment;
-    state.environment = stage.environment.empty() ? miNULLTAG : stage.environment.front()->tag;
-    enter(*frame, stage.volume);
+    frame->surroundings = {&stage.environment, &stage.volume, nullptr};
+    state.environment = tagOf(stage.environment);
+    state.volume = tagOf(stage.volume);
     const PrimaryRay primary = stage.rays.at(rasterX, rasterY, shutterFraction(state));
     state.org = primary.origin;
     state.dir = primary.direction;
@@ -410,11 +422,11 @@ miBoolean traceSecondary(miColor& result, miState& state, const miVector& direct
     ray.startPolygon = state.pri;
     ray.time = shutterFraction(state);
     clearHit(*frame);
-    // A material's volume fills the space behind its surface; out of it, rays are in the camera's again.
-    const Surface* const surface =
-        type == miRAY_REFLECT ? nullptr : thread.stage.surfaces.find(state.material);
-    if (surface && !surface->volume.empty() && !state.options->no_volume)
-        enter(*frame, state.inv_normal ? thread.stage.volume : surface->volume);
+    // The list may be empty: then there is nothing behind.
+    if (type != miRAY_REFLECT && (outer.surroundings.refractionVolume || state.refraction_volume)) {
+        child.volume = state.refraction_volume;
+        frame->surroundings.volume = outer.surroundings.refractionVolume;
+    }
     return shade(thread, *frame, ray, result);
 }
 

@@ -43,9 +43,6 @@ miBoolean traceShadow(miColor& result, miState& state);
 miBoolean sampleLight(miColor& result, miVector* direction, float* cosine, miState& state, miTag light,
                       int& samples);
 
-/// A vector of internal space in that of the state's light at the state's time; as it is without a light.
-miVector vectorToLight(const miState& state, const miVector& vector);
-
 /// The leaf lights that the tags stand for, or all others; the list lives as long as the innermost ray.
 const std::vector<miTag>& lightList(miState& state, const miTag* tags, int count, bool exclusive);
 
@@ -63,6 +60,10 @@ std::optional<miColor> opacityOf(const miState& state);
 /// Fills the state's hit fields for what arrives at the hit in this direction. With `flip`, normals are
 /// turned against it.
 void setHit(Frame& frame, const miVector& direction, const Hit& hit, bool flip);
+
+/// Notes in the hit's state what refracted and transparent rays run through, when its material has a volume:
+/// that, or, out of it, the camera's again.
+void setVolumeBehind(const RenderThread& thread, Frame& frame, const Surface& surface);
 
 /// The state's time, from 0 when the shutter opens to 1 when it closes; 0 without motion blur.
 inline float shutterFraction(const miState& state)

@@ -76,7 +76,11 @@ void* evaluateConnected(miState& state, void* parameter)
 {
     const miFunction& caller = *state.shader;
     miTag ghost;
+    if (caller.ghost_flag != 1)
+        return parameter;
     std::memcpy(&ghost, static_cast<const std::byte*>(parameter) + caller.ghost_offs, sizeof ghost);
+    if (ghost == miNULLTAG || ghost == 0xFFFFFFFEu)
+        return parameter;
     const Function& user = Function::of(&caller);
     const Connection& connection = user.connections()[ghost - 1];
     if (!connection.source)

@@ -107,7 +107,8 @@ miBoolean callNested(const std::vector<Function*>& list, void* result, miState& 
 
 /// What mi_phen_eval does: the value of the connected field at `parameter`, a place in the block of the
 /// function that state->shader names. The shader behind it runs unless its result is remembered for this
-/// state. The value stays until the cache is flushed or the state ends.
+/// state. The value stays until the cache is flushed or the state ends. Of a field that nothing is connected
+/// to, which shaders need not ask for, it is the field.
 void* evaluateConnected(miState& state, void* parameter);
 
 /// Drops what is remembered for the state.
@@ -131,11 +132,14 @@ inline Function* runningFunction() { return running().function; }
 inline miTs* runningThread() { return running().thread; }
 
 /// For the time of a call into a library: state->shader is the function's record, and running() tells of it.
-/// At the end both are as before, and pins that the call has not given back are reported.
+/// At the end both are as before, and so is the user data that the shader may have put into its state for
+/// those that it calls, as it often lies on the shader's stack. Pins that the call has not given back are
+/// reported.
 class CallScope {
 public:
     CallScope(Function& function, miState& state)
-        : state_(state), outerShader_(state.shader), outer_(running())
+        : state_(state), outerShader_(state.shader), outerUser_(state.user), outerUserSize_(state.user_size),
+          outer_(running())
     {
         state.shader = function.record();
         running() = {&function, state.ts, 0};
@@ -146,6 +150,8 @@ public:
             reportPins();
         running() = outer_;
         state_.shader = outerShader_;
+        state_.user = outerUser_;
+        state_.user_size = outerUserSize_;
     }
     CallScope(const CallScope&) = delete;
     CallScope& operator=(const CallScope&) = delete;
@@ -155,6 +161,8 @@ private:
 
     miState& state_;
     const miFunction* outerShader_;
+    void* outerUser_;
+    int outerUserSize_;
     Running outer_;
 };
 

@@ -94,6 +94,7 @@ public:
     std::size_t resultOffset = 0; ///< of its remembered result, see ResultCache
     Once initialised;             ///< ready to be called: its init has run, or it needs none
     void* userSlot = nullptr;     ///< the pointer that the instance's shader owns
+    Lock lock;                    ///< of the instance, for its shader
 
     /// Mistakes of the shader that are reported once: bits of Fault.
     std::atomic<unsigned> reported{0};

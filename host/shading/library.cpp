@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <dlfcn.h>
 #include <filesystem>
+#include <utility>
 
 namespace host {
 
@@ -82,11 +83,12 @@ Shader& Libraries::resolve(const Declaration& declaration, const Location& use)
     return *shaders_.emplace(declaration.name, std::move(shader)).first->second;
 }
 
-void Libraries::checkVersion(const Shader& shader) const
+void Libraries::checkVersion(Shader& shader) const
 {
     const Declaration& declaration = *shader.declaration;
     if (!shader.version) {
-        message(Level::warning, "LINK", "shader \"" + declaration.name + "\" has no version function");
+        if (!std::exchange(shader.versionTold, true))
+            message(Level::warning, "LINK", "shader \"" + declaration.name + "\" has no version function");
         return;
     }
     const int declared = declaration.version.value_or(0);
@@ -98,7 +100,8 @@ void Libraries::checkVersion(const Shader& shader) const
                                                 std::to_string(found));
     if (!ignoreVersions_)
         throw mismatch;
-    message(Level::error, "LINK", mismatch.what());
+    if (!std::exchange(shader.versionTold, true))
+        message(Level::error, "LINK", mismatch.what());
 }
 
 } // namespace host

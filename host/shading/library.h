@@ -3,6 +3,7 @@
 #pragma once
 
 #include "host/shading/declaration.h"
+#include "host/shading/lock.h"
 #include "host/shading/once.h"
 
 #include <shader.h>
@@ -32,6 +33,8 @@ struct Shader {
 
     Once initialised;               ///< `init` for the shader as a whole
     bool wantsInstanceInit = false; ///< what `init` asked for; valid once `initialised` is done
+    Lock lock;                      ///< for all its instances
+    bool versionTold = false;       ///< that it is another, or missing
 };
 
 /// Linked libraries and the shaders resolved in them. Linking and resolving happen while nothing renders.
@@ -53,8 +56,9 @@ public:
     Shader& resolve(const Declaration& declaration, const Location& use = {});
 
     /// Compares the shader's `_version` with its declaration: throws Error for another number, or prints it
-    /// as an error message when mismatches are ignored; a missing `_version` is a warning.
-    void checkVersion(const Shader& shader) const;
+    /// as an error message when mismatches are ignored; a missing `_version` is a warning. Each message comes
+    /// once, however many pictures are rendered.
+    void checkVersion(Shader& shader) const;
 
     /// A mismatch of versions then is an error message, and rendering goes on.
     void ignoreVersions(bool ignore) { ignoreVersions_ = ignore; }

@@ -146,6 +146,7 @@ Network::Network(const std::vector<Function*>& roots, Libraries& libraries) : fu
             }
     }
     exitState_.version = MI_STATE_VERSION;
+    exitState_.global_lock = globalLock();
 }
 
 void Network::setExitState(const miState& state)

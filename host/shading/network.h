@@ -41,6 +41,9 @@ public:
     /// records behind them must outlive the network.
     void setExitState(const miState& state);
 
+    /// The lock that all shaders of the rendering share.
+    miLock globalLock() { return *lock_.handle(); }
+
     /// Runs the init calls that are due before the function's first call. Called by `call`.
     void initialise(Function& function, miState& state);
 
@@ -51,6 +54,7 @@ private:
     std::vector<Function*> functions_;
     std::size_t resultBytes_ = 0;
     miState exitState_{};
+    Lock lock_;
 
     // Guarded by orderLock_ while rendering goes on. A shader as a whole is represented by the function whose
     // call brought its init about.

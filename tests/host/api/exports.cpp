@@ -30,9 +30,11 @@ TEST(Exports, EveryDeclaredFunctionIsFound)
     names.merge(declaredIn("geoshader.h"));
     names.merge(declaredIn("../host/api/further.h"));
     names.erase("mi_eval"); // inline in the header
+    names.insert(
+        {"mi_call_shader", "mi_call_shader_x"}); // their kind of call has a type of its own elsewhere
     for (const char* const name :
          {"mi_query", "mi_phen_eval", "mi_vdebug", "mi_sample_light", "mi_matrix_ident", "mi_scene_edit_end",
-          "mi_api_tag_lookup", "mi_opacity_set", "mi_matrix_prod"})
+          "mi_api_tag_lookup", "mi_opacity_set", "mi_matrix_prod", "mi_normal_from_light", "mi_lock"})
         EXPECT_EQ(names.count(name), 1u) << "the headers are not understood: " << name;
     for (const std::string& name : names)
         EXPECT_NE(dlsym(RTLD_DEFAULT, name.c_str()), nullptr) << name;

@@ -60,6 +60,26 @@ TEST_F(QueryTest, TheUserSlotBelongsToTheInstance)
     EXPECT_FALSE(knows(miQ_FUNC_USERPTR, camera.tag));
 }
 
+TEST_F(QueryTest, AnInstanceAndItsShaderHaveALockEach)
+{
+    stage.declare("t_add", field(Type::scalar, ""), {});
+    host::Function& one = stage.make("one", "t_add");
+    host::Function& two = stage.make("two", "t_add");
+    state.shader = one.record();
+    EXPECT_FALSE(knows(miQ_DECL_LOCK)) << "before there is a network, there is no shader";
+    stage.prepare({&one, &two});
+    miLock* const own = ask<miLock*>(miQ_FUNC_LOCK);
+    miLock* const shared = ask<miLock*>(miQ_DECL_LOCK);
+    EXPECT_NE(own->lock, nullptr);
+    EXPECT_NE(shared->lock, nullptr);
+    EXPECT_NE(own->lock, shared->lock);
+    EXPECT_EQ(ask<miLock*>(miQ_FUNC_LOCK), own);
+    state.shader = two.record();
+    EXPECT_NE(ask<miLock*>(miQ_FUNC_LOCK)->lock, own->lock);
+    EXPECT_EQ(ask<miLock*>(miQ_DECL_LOCK), shared);
+    EXPECT_EQ(ask<miLock*>(miQ_FUNC_LOCK, one.tag), own);
+}
+
 TEST_F(QueryTest, TheDeclaredVersion)
 {
     stage.declare("t_add", field(Type::scalar, ""), {}, 3);
@@ -122,7 +142,7 @@ TEST_F(QueryTest, UnknownCodesAreFalse)
 {
     stage.declare("t_add", field(Type::scalar, ""), {});
     state.shader = stage.make("f", "t_add").record();
-    const std::set<int> known = {51, 89, 72, 73, 74, 75, 76, 77, 78, 79, 80, 81};
+    const std::set<int> known = {51, 52, 89, 72, 73, 74, 75, 76, 77, 78, 79, 80, 81};
     for (int code = 0; code < 128; ++code)
         EXPECT_EQ(knows(code), known.count(code) == 1) << code;
 }
@@ -137,8 +157,8 @@ TEST_F(QueryTest, ShadersAsk)
     };
     EXPECT_EQ(ask(miQ_DECL_VERSION).x, 1);
     EXPECT_EQ(ask(miQ_DECL_VERSION).y, 1);
-    EXPECT_EQ(ask(52).x, -1) << "untouched";
-    EXPECT_EQ(ask(52).y, 0);
+    EXPECT_EQ(ask(53).x, -1) << "untouched";
+    EXPECT_EQ(ask(53).y, 0);
     EXPECT_EQ(ask(100'000).y, 0) << "a code of some later renderer";
 }
 

@@ -29,7 +29,7 @@ TEST(Library, HasEveryDeclaredShaderInItsDeclaredVersion)
     const auto& declarations = loaded.session.declarations.all();
     EXPECT_EQ(declarations.size(), 20u);
     for (const auto& [name, declaration] : declarations) {
-        const host::Shader& shader = loaded.session.libraries.resolve(declaration);
+        host::Shader& shader = loaded.session.libraries.resolve(declaration);
         ASSERT_TRUE(shader.version) << name;
         EXPECT_NO_THROW(loaded.session.libraries.checkVersion(shader)) << name;
         EXPECT_FALSE(declaration.apply.empty()) << name;

@@ -197,6 +197,55 @@ material "show" "mib_illum_lambert" ( "ambience" 1 1 1, "ambient" = "grey" ) end
     EXPECT_EQ(shown("2000000000"), 0.0f);
 }
 
+TEST(Textures, VectorsAreTakenToTheSpaceThatIsAskedFor)
+{
+    // A wall four times as wide as it was made, turned by 45 degrees about y and moved to x = 1. Its own
+    // normal (3/5, 0, 4/5) leans less where the wall is wide: 3/20 along it for 4/5 up.
+    const std::string wall = R"(
+material "m" "mib_illum_lambert" ( "ambience" 1 1 1, "ambient" = "look" ) end material
+object "wall" visible trace shadow
+    group
+        -5 -5 0  5 -5 0  5 5 0  -5 5 0  .6 0 .8
+        v 0 n 4  v 1 n 4  v 2 n 4  v 3 n 4
+        c "m" 0 1 2 3
+    end group
+end object
+instance "wall-i" "wall"
+    transform .176776695 0 .707106781 0  0 1 0 0  -.176776695 0 .707106781 0  -.176776695 0 -.707106781 1
+end instance
+)";
+    const auto look = [&](int select, int space) {
+        return middle("color texture \"vector\" \"mib_texture_vector\" ( \"select\" " +
+                          std::to_string(select) + ", \"selspace\" " + std::to_string(space) +
+                          " )\nshader \"look\" \"mib_texture_lookup\" ( \"tex\" \"vector\" )\n" + wall,
+                      R"("wall-i")");
+    };
+    const float r = std::sqrt(0.5f);
+    // Of unit length, along the world's x and z; the turn takes (x, z) to (x + z, z - x) / sqrt 2.
+    const float norm = std::hypot(0.15f, 0.8f);
+    const miVector leaning = {(0.15f + 0.8f) / norm, 0, (0.8f - 0.15f) / norm};
+    // p_local = (p_world - (1, 0, 0)) turned, x divided by 4. The middle of the picture meets the plane
+    // x + z = 1 at (0, 0, 1).
+    const auto expect = [&](int select, int space, float x, float y, float z) {
+        SCOPED_TRACE(std::to_string(select) + " in space " + std::to_string(space));
+        const miColor color = look(select, space);
+        EXPECT_NEAR(color.r, x, 1e-5f);
+        EXPECT_NEAR(color.g, y, 1e-5f);
+        EXPECT_NEAR(color.b, z, 1e-5f);
+    };
+    for (const int space : {0, 1}) {
+        expect(-1, space, 0, 0, 1);
+        expect(-2, space, r * leaning.x, 0, r * leaning.z);
+        expect(-5, space, r, 0, r);
+    }
+    expect(-1, 2, 0, 0, -9);
+    expect(-1, 3, -2 * r / 4, 0, 0);
+    expect(-4, 3, r / 4, 0, -r);  // a direction goes like the points
+    expect(-2, 3, 0.6f, 0, 0.8f); // a normal as it was made
+    expect(-5, 3, 0, 0, 1);
+    expect(-2, 2, r * leaning.x, 0, r * leaning.z);
+}
+
 TEST(Secondary, AllFourBlendByTheirAmount)
 {
     const auto blended = [](const std::string& shader) {

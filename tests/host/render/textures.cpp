@@ -384,6 +384,33 @@ TEST(Texture, AProceduralOneIsItsShaderCalledWithTheCoordinate)
     EXPECT_EQ(calls, 1);
 }
 
+TEST(Texture, AProceduralOneFindsTheCoordinateInItsState)
+{
+    Scene scene;
+    auto& texture = scene.session.database.make<host::Texture>("tex");
+    texture.procedural = {scene
+                              .shader([](miColor& result, miState& state) {
+                                  result = {state.tex.x, state.tex.y, state.tex.z, 1};
+                                  return miTRUE;
+                              })
+                              .tag};
+    auto& material = scene.session.database.make<host::Material>();
+    material.shader = {scene
+                           .shader(
+                               [&](miColor& result, miState& state) {
+                                   state.tex = {5, 6, 7};
+                                   miVector coord = {0.25f, 0.5f, -1};
+                                   EXPECT_TRUE(mi_lookup_color_texture(&result, &state, texture.tag, &coord));
+                                   EXPECT_EQ(state.tex.x, 5) << "as it was";
+                                   EXPECT_EQ(state.tex.z, 7);
+                                   return miTRUE;
+                               },
+                               "tex")
+                           .tag};
+    scene.place(scene.square(1), {0, 0, -1}).materials = {material.tag};
+    expectColor(scene.look(), 0.25f, 0.5f, -1, 1);
+}
+
 TEST(Texture, AProceduralOneThatNoParameterNamesIsNone)
 {
     Scene scene;

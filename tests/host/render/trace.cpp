@@ -181,6 +181,41 @@ TEST(Trace, TheChildIsACopyAndTheCastingStateStaysAsItIs)
     EXPECT_EQ(after.tex_list, before.tex_list);
 }
 
+TEST(Trace, UserDataIsForWhatAShaderCallsAndGoneWhenItReturns)
+{
+    Scene scene;
+    scene.options.record.refraction_depth = scene.options.record.trace_depth = 1;
+    int data = 0;
+    std::vector<std::pair<void*, int>> seen;
+    const auto look = [&](miState& state) { seen.emplace_back(state.user, state.user_size); };
+    const auto looking = [&](miColor&, miState& state) {
+        look(state);
+        return miTRUE;
+    };
+    scene.camera.environment = {scene.shader(looking).tag};
+    auto& first = scene.material([&](miColor& result, miState& state) {
+        look(state);
+        state.user = &data;
+        state.user_size = sizeof data;
+        mi_trace_refraction(&result, &state, &state.dir);
+        return miTRUE;
+    });
+    first.shader.push_back(scene.shader(looking).tag);
+    scene.place(scene.square(1), {0, 0, -1}).materials = {first.tag};
+    scene.look();
+    const std::vector<std::pair<void*, int>> expected = {{nullptr, 0}, {&data, 4}, {nullptr, 0}};
+    EXPECT_EQ(seen, expected) << "the shader, the environment of its ray, the next shader of the list";
+}
+
+TEST(Trace, SegmentsOfShadowsPassAsTheyAre)
+{
+    const miColor before = {0.25f, 0.5f, 0.75f, 1};
+    miColor color = before;
+    miState state{};
+    EXPECT_TRUE(mi_trace_shadow_seg(&color, &state));
+    EXPECT_EQ(std::memcmp(&color, &before, sizeof color), 0);
+}
+
 TEST(Trace, RaysDoNotMeetTheSurfaceThatTheyStartFrom)
 {
     // A warped and tilted mesh far from the origin: every ray starts on it, and all others are misses.

@@ -121,6 +121,37 @@ TEST(Volume, AMaterialsFillsTheSpaceBehindIt)
     }
 }
 
+TEST(Volume, AShaderMayChooseWhatItsRaysRunThrough)
+{
+    // Behind the pane, two units from the wall: what the material says, unless its shader says otherwise.
+    Filled scene;
+    scene.options.record.refraction_depth = scene.options.record.trace_depth = 4;
+    const miTag thick = scene.shader(absorbing(2.0f)).tag;
+    miTag noted = 0;
+    bool changes = false;
+    host::Material& pane = scene.material([&](miColor& result, miState& state) {
+        noted = state.refraction_volume;
+        if (changes)
+            state.refraction_volume = thick;
+        return mi_trace_transparent(&result, &state);
+    });
+    const miTag thin = scene.shader(absorbing(0.5f)).tag;
+    pane.volume = {thin};
+    // Behind the camera; what nothing in the scene leads to could not be called.
+    host::Material& unseen = scene.plain({0, 0, 0, 1});
+    unseen.volume = {thick};
+    scene.wall(20, unseen);
+    scene.wall(-1, pane);
+    scene.wall(-3, scene.plain({1, 1, 1, 1}));
+    EXPECT_NEAR(scene.look().r, std::exp(-1.0), 1e-6);
+    EXPECT_EQ(noted, thin);
+    changes = true;
+    EXPECT_NEAR(scene.look().r, std::exp(-4.0), 1e-6);
+    pane.volume.clear();
+    EXPECT_NEAR(scene.look().r, std::exp(-4.0), 1e-6);
+    EXPECT_EQ(noted, miNULLTAG);
+}
+
 TEST(Volume, SwitchedOffSpaceIsEmpty)
 {
     Filled scene;

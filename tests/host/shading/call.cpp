@@ -24,6 +24,7 @@ protected:
     {
         const host::Field scalar = field(Type::scalar, "");
         stage.declare("t_add", scalar, {field(Type::scalar, "a"), field(Type::scalar, "b")});
+        stage.declare("t_asks", scalar, {field(Type::scalar, "a"), field(Type::scalar, "b")});
         stage.declare("t_middle", scalar, {field(Type::scalar, "input")});
         stage.declare("t_pair", structure("", {field(Type::color, "color"), field(Type::scalar, "mask")}),
                       {field(Type::color, "color")});
@@ -47,6 +48,15 @@ TEST_F(CallTest, LiteralsAndConnectionsAreRead)
     stage.make("three", "t_add", {argument("a", 1), argument("b", 2)});
     Function& f = stage.make("", "t_add", {argument("a", connection("three")), argument("b", 10)});
     EXPECT_EQ(stage.runAlone<miScalar>(f), 13);
+}
+
+TEST_F(CallTest, AskedForWhatIsNotConnectedEvaluationGivesTheFieldItself)
+{
+    stage.make("three", "t_add", {argument("a", 1), argument("b", 2)});
+    Function& one = stage.make("", "t_asks", {argument("a", connection("three")), argument("b", 10)});
+    EXPECT_EQ(stage.runAlone<miScalar>(one), 13);
+    Function& none = stage.make("", "t_asks", {argument("a", 20), argument("b", 10)});
+    EXPECT_EQ(stage.runAlone<miScalar>(none), 30);
 }
 
 TEST_F(CallTest, AColorDrivesAScalarByItsRedComponent)

@@ -143,6 +143,15 @@ TEST_API miBoolean t_cache(miVector* result, miState* state, OneParams* p)
     return miTRUE;
 }
 
+// Its sum too, but asked for without a look at what is connected.
+TEST_API int t_asks_version() { return 1; }
+TEST_API miBoolean t_asks(miScalar* result, miState* state, AddParams* p)
+{
+    *result = *static_cast<miScalar*>(mi_phen_eval(state, &p->a));
+    *result += *static_cast<miScalar*>(mi_phen_eval(state, &p->b));
+    return miTRUE;
+}
+
 // ---- life
 
 struct LifeParams {
