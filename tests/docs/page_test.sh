@@ -1,13 +1,14 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: BSD-3-Clause
 # Does what a page of the manual says: in a copy of examples/, in the page's order, it
-# - writes scenes (```mi, the first line `# name.mi`);
+# - writes scenes (```mi, the first line `# name.mi`) and C sources (```c, the first line `// name.c` or `// name.h`);
 # - puts networks (other ```mi) in the place of the one in smallest.mi, as network.mi, and looks whether it renders;
 # - runs commands (```console, lines with `$ `), whose output must be what the page shows below them.
 # With UPDATE=1 in the environment the page gets the output instead; read what has changed.
 # Usage: page_test.sh PAGE PROGRAMS EXAMPLES
 set -eu
 page=$(realpath "$1") programs=$(realpath "$2") examples=$(realpath "$3")
+interface=$(realpath "$(dirname "$0")/../../mi")
 
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
@@ -16,8 +17,24 @@ cp -r "$examples" "$folder/examples"
 mkdir "$folder/home"
 cd "$folder/examples"
 
+# What pkg-config says is that of an installation, in which there is the renderer's interface.
+package=$programs/../vhl.pc
+if [[ -e $package ]]; then
+    part() { sed -n "s|^$1=\${prefix}/||p" "$package"; }
+    mkdir -p "$folder/installed/$(part libdir)/pkgconfig" "$folder/installed/$(part includedir)/vhl"
+    cp "$package" "$folder/installed/$(part libdir)/pkgconfig"
+    ln -s "$interface" "$folder/installed/$(part includedir)/vhl/mi"
+    export PKG_CONFIG_PATH=$folder/installed/$(part libdir)/pkgconfig
+fi
+
 unset "${!MI_@}"
 run() { env PATH="$programs:$PATH" HOME="$folder/home" TERM=dumb bash -c "$1" 2>&1 </dev/null | sed 's/ *$//'; }
+
+sourceFile() # text of a block
+{
+    [[ $1 =~ ^//\ ([a-z-]+\.[ch])$'\n' ]] || fail "$page: C without a file's name: $1"
+    printf '%s' "$1" >"${BASH_REMATCH[1]}"
+}
 
 scene() # text of a block
 {
@@ -47,10 +64,10 @@ while IFS= read -r line; do
             else
                 continue
             fi ;;
-        mi)
+        mi | c)
             if [[ $line == '```' ]]; then
+                if [[ $kind == c ]]; then sourceFile "$text"; else scene "$text"; fi
                 kind=""
-                scene "$text"
                 done=$((done + 1))
             else
                 text+=$line$'\n'
@@ -58,7 +75,7 @@ while IFS= read -r line; do
         *)
             [[ $line == '```'?* ]] && kind=${line#'```'} && text="" ;;
     esac
-    [[ $line == '```' && $kind != console && $kind != mi ]] && kind=""
+    [[ $line == '```' && $kind != console && $kind != mi && $kind != c ]] && kind=""
     printf '%s\n' "$line"
 done <"$page" >"$folder/page"
 [[ $done -gt 0 ]] || fail "$page: nothing to do"
