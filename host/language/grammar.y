@@ -223,8 +223,8 @@ command:
     registry_lines END REGISTRY         { scene.commands.endRegistryEntry(); scene.context.expectation = "a command"; }
 |   NAMESPACE name                      { scene.context.enterNamespace($2); }
     scene END_NAMESPACE                 { scene.context.leaveNamespace(); }
-|   SET name                            { scene.commands.set($2.text, ""); }
-|   SET name STRING                     { scene.commands.set($2.text, $3); }
+|   SET name                            { scene.commands.set($2); } // before what follows is read: it may ask
+    variable_value
 |   DEBUG STRING                        { scene.context.ignored(@1, "the command \"debug\""); }
 |   DEBUG STRING STRING                 { scene.context.ignored(@1, "the command \"debug\""); }
 |   TOUCH name                          { scene.commands.touch($2); }
@@ -237,6 +237,11 @@ command:
 |   INCREMENTAL                         { scene.context.announceIncremental(); }
     definition
 |   unsupported_command
+;
+
+variable_value:
+    %empty
+|   STRING                              { scene.commands.setValue($1); }
 ;
 
 definition:
