@@ -102,7 +102,10 @@ void CameraBuilder::framebuffer(const Name& name)
 {
     Output output = std::exchange(output_, {});
     output.where = name.where;
-    if (!output.file.empty())
+    const bool ofShaders = std::exchange(user_, false);
+    if (ofShaders)
+        context_.ignored(name.where, "the frame buffers of shaders");
+    else if (!output.file.empty())
         camera_->outputs.push_back(std::move(output));
 }
 

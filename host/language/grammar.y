@@ -787,7 +787,7 @@ framebuffer_property:
 |   FIELD numbers                       { scene.camera.field({"field", @1, $2}); }
 |   PREMULTIPLIED boolean
 |   PRIMARY boolean
-|   USER boolean
+|   USER boolean                        { scene.camera.user($2); }
 |   USEOPACITY boolean
 ;
 
