@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "host/language/camera.h"
 
+#include <filesystem>
 #include <limits>
 
 namespace host::language {
@@ -104,9 +105,17 @@ void CameraBuilder::framebuffer(const Name& name)
     output.where = name.where;
     const bool ofShaders = std::exchange(user_, false);
     if (ofShaders)
-        context_.ignored(name.where, "the frame buffers of shaders");
-    else if (!output.file.empty())
-        camera_->outputs.push_back(std::move(output));
+        return context_.ignored(name.where, "the frame buffers of shaders");
+    if (output.file.empty())
+        return;
+    if (output.format.empty()) {
+        const std::string extension = std::filesystem::path(output.file).extension().string();
+        if (extension.size() < 2)
+            throw Error(name.where, "frame buffer " + inQuotes(name.text) +
+                                        " has neither a \"filetype\" nor a file with an extension");
+        output.format = extension.substr(1);
+    }
+    camera_->outputs.push_back(std::move(output));
 }
 
 void CameraBuilder::quality(const Statement& number)

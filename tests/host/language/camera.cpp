@@ -118,6 +118,16 @@ TEST(Camera, AFrameBufferWithAFileIsAnOutput)
     EXPECT_EQ(c.record().frame_field, 1);
 }
 
+TEST(Camera, AFrameBufferWithoutAFormatTakesThatOfItsFile)
+{
+    Cam c(R"(framebuffer "a" filename "x.y/a.exr" framebuffer "b" filename "b.tif" filetype "png")");
+    ASSERT_EQ(c.camera().outputs.size(), 2u);
+    EXPECT_EQ(c.camera().outputs[0].format, "exr");
+    EXPECT_EQ(c.camera().outputs[1].format, "png");
+    EXPECT_EQ(refusal("framebuffer \"a\" filename \"x.y/a\""),
+              "2:13: frame buffer \"a\" has neither a \"filetype\" nor a file with an extension");
+}
+
 TEST(Camera, AFrameBufferOfShadersIsNoOutput)
 {
     Cam c(R"(framebuffer "own" user on datatype "rgba" filename "a.png" filetype "png"
