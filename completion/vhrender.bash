@@ -9,7 +9,7 @@ _vhrender()
         [-trace]="on off" [-volume]="on off" [-geometry]="on off" [-displace]="on off" [-premultiply]="on off"
         [-render]="on off" [-shadow]="on off sort segments" [-face]="front back both" [-colorclip]="rgb alpha raw"
         [-focal]="infinity" [-filter]="box triangle gauss mitchell lanczos clip_mitchell clip_lanczos"
-        [-file_type]="tif png exr jpg"
+        [-output]="on off" [-file_type]="tif png exr jpg"
         [-include_path]=@folder [-I]=@folder [-ld_path]=@folder [-L]=@folder [-texture_path]=@folder
         [-file_dir]=@folder [-file_name]=@file [-o]=@file [-graph]=@file [-link]=@library
         [-threads]=1 [-frame]=1 [-probe]=2 [-resolution]=2 [-window]=4 [-aspect]=1 [-aperture]=1 [-offset]=2

@@ -406,6 +406,8 @@ private:
              result_.premultiply);
         word("--colorclip", "rgb|alpha|raw", "how colours outside 0 to 1 are clipped", clipWords,
              result_.colorClip);
+        option("--output", 1, 1, "on|off", "accepted and ignored: there are no output shaders",
+               [](const Strings&) {});
         option("--scanline", 1, 1, "MODE", "accepted and ignored: every ray is traced",
                [](const Strings&) {});
         option("--task_size", 1, 1, "N", "accepted and ignored", [](const Strings&) {});

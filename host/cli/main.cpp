@@ -10,6 +10,7 @@
 #include "host/report/message.h"
 #include "host/report/progress.h"
 #include "host/session.h"
+#include "host/shading/crash.h"
 
 #include <array>
 #include <chrono>
@@ -162,6 +163,7 @@ void run(const host::CommandLine& command)
 
 int main(int count, char** values)
 {
+    host::nameCrashes();
     Strings arguments = environmentList("MI_RAY_OPTIONS", " \t\n");
     arguments.insert(arguments.end(), values + 1, values + count);
     const host::ParsedCommandLine parsed = host::parseCommandLine(arguments);

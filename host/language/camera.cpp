@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "host/language/camera.h"
 
+#include <filesystem>
 #include <limits>
 
 namespace host::language {
@@ -102,8 +103,19 @@ void CameraBuilder::framebuffer(const Name& name)
 {
     Output output = std::exchange(output_, {});
     output.where = name.where;
-    if (!output.file.empty())
-        camera_->outputs.push_back(std::move(output));
+    const bool ofShaders = std::exchange(user_, false);
+    if (ofShaders)
+        return context_.ignored(name.where, "the frame buffers of shaders");
+    if (output.file.empty())
+        return;
+    if (output.format.empty()) {
+        const std::string extension = std::filesystem::path(output.file).extension().string();
+        if (extension.size() < 2)
+            throw Error(name.where, "frame buffer " + inQuotes(name.text) +
+                                        " has neither a \"filetype\" nor a file with an extension");
+        output.format = extension.substr(1);
+    }
+    camera_->outputs.push_back(std::move(output));
 }
 
 void CameraBuilder::quality(const Statement& number)

@@ -39,6 +39,9 @@ public:
     void fileType(const Name& name) { output_.format = name.text; }
     void file(const Name& name) { output_.file = expanded(name); }
 
+    /// The buffer is written by shaders, which nothing here lets them do.
+    void user(bool on) { user_ = on; }
+
     /// A buffer that goes to a file is an output.
     void framebuffer(const Name& name);
 
@@ -53,6 +56,7 @@ private:
     Shaders& shaders_;
     Definition<Camera> camera_;
     Output output_;
+    bool user_ = false;
 };
 
 } // namespace host::language

@@ -101,10 +101,13 @@ void Commands::maximumVersion(const Name& version)
 
 void Commands::echo(const std::string& text) { message(Level::info, "SCEN", text); }
 
-void Commands::set(const std::string& name, std::string value)
+void Commands::set(const Name& variable)
 {
-    context_.session.variables[name] = std::move(value);
+    variable_ = variable.text;
+    setValue("");
 }
+
+void Commands::setValue(std::string value) { context_.session.variables[variable_] = std::move(value); }
 
 void Commands::remove(const Name& name)
 {

@@ -18,7 +18,8 @@ public:
     void minimumVersion(const Name& version);
     void maximumVersion(const Name& version);
     void echo(const std::string& text);
-    void set(const std::string& name, std::string value);
+    void set(const Name& variable);
+    void setValue(std::string value);
     void registryEntry(const Name& key);
     void registryLine(const std::string& key, const std::string& value);
     void endRegistryEntry();
@@ -31,6 +32,7 @@ public:
 
 private:
     Context& context_;
+    std::string variable_; ///< that was set last
     std::string key_;
     Registry::Entry entry_;
 };

@@ -44,6 +44,12 @@ static Field field(Type type, const Name& name)
     return result;
 }
 
+/// Of the words of features that are not there.
+static bool switchesOn(const std::string& word)
+{
+    return word == "fastlookup" || word == "only" || word == "opengl";
+}
+
 static void append(std::vector<Number>& numbers, const miVector& v)
 {
     for (const float x : {v.x, v.y, v.z})
@@ -132,7 +138,7 @@ static void append(std::vector<Number>& numbers, const miVector& v)
 %type <std::vector<Value>> elements element_list
 %type <Texture::Kind> texture_kind
 %type <ObjectBuilder::PolygonKind> polygon_kind
-%type <bool> words word
+%type <bool> words word feature
 
 %%
 
@@ -204,7 +210,9 @@ words:
 word:
     number                              { $$ = false; }
 |   boolean                             { $$ = $1; }
-|   SYMBOL                              { const std::string text = $1; $$ = text == "fastlookup" || text == "only"; }
+|   SYMBOL                              { $$ = switchesOn($1); }
+|   BIAS                                { $$ = false; }
+|   SCALE                               { $$ = false; }
 ;
 
 /* ---- commands ----------------------------------------------------------------------------------------------- */
@@ -223,8 +231,8 @@ command:
     registry_lines END REGISTRY         { scene.commands.endRegistryEntry(); scene.context.expectation = "a command"; }
 |   NAMESPACE name                      { scene.context.enterNamespace($2); }
     scene END_NAMESPACE                 { scene.context.leaveNamespace(); }
-|   SET name                            { scene.commands.set($2.text, ""); }
-|   SET name STRING                     { scene.commands.set($2.text, $3); }
+|   SET name                            { scene.commands.set($2); } // before what follows is read: it may ask
+    variable_value
 |   DEBUG STRING                        { scene.context.ignored(@1, "the command \"debug\""); }
 |   DEBUG STRING STRING                 { scene.context.ignored(@1, "the command \"debug\""); }
 |   TOUCH name                          { scene.commands.touch($2); }
@@ -237,6 +245,11 @@ command:
 |   INCREMENTAL                         { scene.context.announceIncremental(); }
     definition
 |   unsupported_command
+;
+
+variable_value:
+    %empty
+|   STRING                              { scene.commands.setValue($1); }
 ;
 
 definition:
@@ -514,7 +527,7 @@ texture_kind:
 ;
 colorprofile:
     %empty
-|   COLORPROFILE name                   { scene.context.ignored(@1, "the colour profile of textures"); }
+|   COLORPROFILE name                   { scene.context.ignored(@1, "the colour profiles of textures"); }
 ;
 texture_contents:
     name                                { scene.texture.file($1); }
@@ -605,34 +618,59 @@ options_without_effect:
 |   APPROXIMATE approximation
 |   SAMPLELOCK boolean
 |   FIELD any_word
+|   FIELD EVEN
+|   FIELD ODD
 |   FIELD INTEGER
 |   INHERITANCE name
 |   TRAVERSAL any_word
 |   TRAVERSAL STRING
 |   LUMINANCE SYMBOL numbers
-|   DIAGNOSTIC words
-|   DIAGNOSTIC SAMPLES boolean
-|   FINALGATHER words                   { scene.options.feature("finalgather", @1, $2); }
-|   FINALGATHER FILE STRING
-|   FINALGATHER FILTER numbers
-|   FINALGATHER SCALE numbers
-|   FINALGATHER TRACE DEPTH numbers
-|   GLOBILLUM words                     { scene.options.feature("globillum", @1, $2); }
-|   GLOBILLUM SCALE numbers
-|   CAUSTIC words                       { scene.options.feature("caustic", @1, $2); }
-|   CAUSTIC FILTER filter_kind opt_numbers
-|   CAUSTIC SCALE numbers
+|   DIAGNOSTIC diagnosed
+|   FINALGATHER feature                 { scene.options.feature("finalgather", @1, $2); }
+|   GLOBILLUM feature                   { scene.options.feature("globillum", @1, $2); }
+|   CAUSTIC feature                     { scene.options.feature("caustic", @1, $2); }
 |   IRRADIANCE words                    { scene.options.feature("irradiance", @1, $2); }
 |   PHOTON TRACE DEPTH numbers
 |   PHOTON AUTOVOLUME boolean           { scene.options.feature("photon autovolume", @1, $3); }
 |   PHOTONVOL words                     { scene.options.feature("photonvol", @1, $2); }
-|   PHOTONVOL SCALE numbers
-|   PHOTONMAP FILE STRING
-|   PHOTONMAP words
-|   SHADOWMAP words                     { scene.options.feature("shadowmap", @1, $2); }
-|   SHADOWMAP MOTION boolean
+|   PHOTONMAP feature
+|   SHADOWMAP feature                   { scene.options.feature("shadowmap", @1, $2); }
 |   LIGHTMAP words                      { scene.options.feature("lightmap", @1, $2); }
 |   AUTOVOLUME boolean                  { scene.options.feature("autovolume", @1, $2); }
+;
+/* True when it switches the feature on and does not only say how it is. */
+feature:
+    words                               { $$ = $1; }
+|   DETAIL                              { $$ = true; }
+|   FILE STRING                         { $$ = false; }
+|   FILE names                          { $$ = false; }
+|   CAMERA name                         { $$ = false; }
+|   feature_part                        { $$ = false; }
+|   feature_part words                  { $$ = false; }
+;
+feature_part:
+    CONTRAST
+|   FILTER
+|   FILTER BOX
+|   MERGE
+|   MOTION
+|   SAMPLES
+|   TRACE
+|   TRACE DEPTH
+|   WINDOW
+;
+diagnosed:
+    words
+|   SAMPLES boolean
+|   PHOTON words
+|   PHOTON IRRADIANCE numbers
+|   FINALGATHER boolean
+|   GRID words
+|   GRID OBJECT number
+|   GRID CAMERA number
+|   BSP words
+|   BSP DEPTH
+|   BSP SIZE
 ;
 acceleration:
     words
@@ -655,6 +693,15 @@ approximated:
 |   SPACE CURVE
 |   SUBDIVISION SURFACE
 |   DISPLACE
+;
+approximations:
+    approximation
+|   approximations COMMA approximation
+;
+/* Free-form surfaces, which are not there, are named behind it. */
+object_approximation:
+    approximation
+|   object_approximation STRING
 ;
 approximation_words:
     SYMBOL
@@ -706,6 +753,7 @@ output:
 |   name name name                      { scene.camera.output($1, $2, $3); }
 |   name name output_properties name    { scene.camera.output($1, $2, $4); }
 |   name OPEN_PARENTHESIS               { Commands::unsupported("output shader", @1); }
+|   name EQUALS                         { Commands::unsupported("output shader", @2); }
 |   name name OPEN_PARENTHESIS          { Commands::unsupported("output shader", @2); }
 |   EQUALS                              { Commands::unsupported("output shader", @1); }
 ;
@@ -739,7 +787,7 @@ framebuffer_property:
 |   FIELD numbers                       { scene.camera.field({"field", @1, $2}); }
 |   PREMULTIPLIED boolean
 |   PRIMARY boolean
-|   USER boolean
+|   USER boolean                        { scene.camera.user($2); }
 |   USEOPACITY boolean
 ;
 
@@ -784,8 +832,12 @@ light_shadowmap:
 |   SOFTNESS numbers
 |   BIAS numbers
 |   DETAIL opt_on
+|   DETAIL SAMPLES numbers
 |   CAMERA name
 |   FILTER filter_kind opt_numbers
+|   MERGE boolean
+|   TRACE boolean
+|   WINDOW numbers
 ;
 
 /* ---- materials ---------------------------------------------------------------------------------------------- */
@@ -849,7 +901,7 @@ object_statement:
 |   TRANSFORM opt_numbers
 |   VOLUME GROUP opt_numbers
 |   HARDWARE BLOCK
-|   APPROXIMATE approximation
+|   APPROXIMATE object_approximation
 |   DATA data                           { scene.context.ignored(@1, "the user data of elements"); }
 |   FILE                                { scene.object.unsupported("objects read from files are", @1); }
 |   BASIS                               { scene.object.unsupported("free-form surfaces are", @1); }
@@ -885,10 +937,10 @@ vertex:
 |   vertex M INTEGER                    { scene.object.motion($3, @3); }
 |   vertex U INTEGER                    { scene.object.unused($3, @3); }
 |   vertex D derivatives                { scene.object.endDerivatives(@2); }
-|   vertex CUSP real
-|   vertex CONIC real
-|   vertex CORNER real
-|   vertex DART real
+|   vertex CUSP opt_numbers
+|   vertex CONIC opt_numbers
+|   vertex CORNER opt_numbers
+|   vertex DART opt_numbers
 ;
 /* How many there may be is not the grammar's business: the message then says how many there are. */
 derivatives:
@@ -899,7 +951,7 @@ derivatives:
 polygons:
     %empty
 |   polygons polygon                    { scene.object.endPolygon(); }
-|   polygons APPROXIMATE approximation
+|   polygons APPROXIMATE object_approximation
 |   polygons other_geometry
 ;
 polygon:
@@ -965,6 +1017,7 @@ instance_statement:
 |   LIGHT SHADOW names                  { scene.instance.shadowLights($3, false); }
 |   LIGHT SHADOW exclusive names        { scene.instance.shadowLights($4, true); }
 |   APPROXIMATE approximation
+|   APPROXIMATE OPEN_BRACKET approximations CLOSE_BRACKET
 |   TAG numbers                         { scene.instance.label({"tag", @1, $2}); }
 |   DATA data                           { scene.context.ignored(@1, "the user data of elements"); }
 ;

@@ -571,6 +571,27 @@ TEST_F(Program, AMillionParticles)
 #endif
 }
 
+TEST_F(Program, AShaderThatCrashesIsNamed)
+{
+    Scene scene;
+    scene.head = "link \"" TEST_CRASH_SHADERS "\"\n"
+                 "declare shader color \"t_crash\" () version 0 end declare\n"
+                 "declare shader color \"t_abort\" () version 0 end declare\n";
+    scene.shaders = "shader \"red\" \"t_crash\" ( )\n";
+    const Outcome named = render(scene);
+    EXPECT_NE(named.status, 0);
+    const std::string line =
+        "fatal: scene.mi:4:14: shader \"red\" (t_crash) crashed: invalid memory access\n";
+    EXPECT_NE(named.messages.find(line), std::string::npos) << named.messages;
+    // Also when it has no name, and in an init.
+    scene.material = "material \"m\" \"t_abort\" ( ) end material\n";
+    const Outcome unnamed = render(scene);
+    EXPECT_NE(unnamed.status, 0);
+    EXPECT_NE(unnamed.messages.find(": shader t_abort crashed: abort\n"), std::string::npos)
+        << unnamed.messages;
+    EXPECT_EQ(folder.names(), std::vector<std::string>{"scene.mi"});
+}
+
 TEST_F(Program, ShadersInPlacesOfOthers)
 {
     // A result of four numbers where a tag is waited for, and the other way round.

@@ -118,6 +118,27 @@ TEST(Camera, AFrameBufferWithAFileIsAnOutput)
     EXPECT_EQ(c.record().frame_field, 1);
 }
 
+TEST(Camera, AFrameBufferWithoutAFormatTakesThatOfItsFile)
+{
+    Cam c(R"(framebuffer "a" filename "x.y/a.exr" framebuffer "b" filename "b.tif" filetype "png")");
+    ASSERT_EQ(c.camera().outputs.size(), 2u);
+    EXPECT_EQ(c.camera().outputs[0].format, "exr");
+    EXPECT_EQ(c.camera().outputs[1].format, "png");
+    EXPECT_EQ(refusal("framebuffer \"a\" filename \"x.y/a\""),
+              "2:13: frame buffer \"a\" has neither a \"filetype\" nor a file with an extension");
+}
+
+TEST(Camera, AFrameBufferOfShadersIsNoOutput)
+{
+    Cam c(R"(framebuffer "own" user on datatype "rgba" filename "a.png" filetype "png"
+             framebuffer "more" filename "b.png" filetype "png" user on
+             framebuffer "main" filename "c.png" filetype "png" primary on)");
+    ASSERT_EQ(c.camera().outputs.size(), 1u);
+    EXPECT_EQ(c.camera().outputs[0].file, "c.png");
+    EXPECT_EQ(c.scene.messages.count("the frame buffers of shaders are ignored"), 1);
+    EXPECT_EQ(c.scene.messages.lines().size(), 1u);
+}
+
 TEST(Camera, OutputShadersAndPassesAreNotSupported)
 {
     EXPECT_EQ(refusal("output \"+rgba,+z\" \"shader\" ( )"), "2:19: \"output shader\" is not supported");

@@ -137,6 +137,14 @@ TEST(Conditional, SelectsByVariable)
     EXPECT_EQ(seen, "146");
 }
 
+TEST(Conditional, SeesAVariableThatWasSetJustBefore)
+{
+    Scene scene("set \"x\"\n$ifdef \"x\"\nset \"1\"\n$else\nset \"2\"\n$endif\n"
+                "set y\n$ifndef y\nset \"3\"\n$else\nset \"4\"\n$endif");
+    EXPECT_TRUE(isSet(scene, "1") && isSet(scene, "4"));
+    EXPECT_FALSE(isSet(scene, "2") || isSet(scene, "3"));
+}
+
 TEST(Conditional, SkippedTextIsSearchedForItsEndOnly)
 {
     Scene scene("$ifdef \"no\"\n"

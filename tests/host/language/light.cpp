@@ -142,7 +142,8 @@ TEST(Light, WhatHasNoEffectIsAccepted)
 {
     Lamp lamp(
         R"(caustic photons 10 globillum photons 10 20 photons only shadowmap shadowmap on shadowmap resolution 100
-        shadowmap samples 4 shadowmap softness .1 shadowmap bias .1 shadowmap detail shadowmap file "x" "a" ( ))");
+        shadowmap samples 4 shadowmap softness .1 shadowmap bias .1 shadowmap detail shadowmap detail samples 2
+        shadowmap window 0 0 1 1 shadowmap merge on shadowmap trace off shadowmap file "x" "a" ( ))");
     EXPECT_EQ(lamp.light().shader.size(), 1u);
     EXPECT_EQ(lamp.scene.messages.lines().size(), 0u);
 }

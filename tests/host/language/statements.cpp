@@ -106,7 +106,7 @@ TEST(Statements, Textures)
          {"vector texture \"n\" [ 1 1 ] '000000'", ""},
          {"color texture \"n\" [ 1 1 2 ] '000000' '000000'", ""},
          {"color texture \"n\" \"s\" ( \"x\" 1 )", ""},
-         {"color texture \"n\" colorprofile \"p\" \"f\"", "the colour profile of textures are ignored"}},
+         {"color texture \"n\" colorprofile \"p\" \"f\"", "the colour profiles of textures are ignored"}},
         "", "");
 }
 
@@ -127,16 +127,32 @@ TEST(Statements, Options)
          {"state [ \"s\" ( ), = \"sh\" ]", "the statement \"state\" is ignored"},
          {"frame buffer 0 \"+rgba\"", "the statement \"frame buffer\" is ignored"},
          {"maxdisplace 1 max displace 1 shading samples 1 task size 4 samplelock on field 1", ""},
+         {"field on field even field odd", ""},
          {"acceleration bsp acceleration bsp2 acceleration large bsp acceleration grid bsp size 1 bsp depth "
           "2 bsp memory "
           "3 bsp shadow on grid size 1",
           ""},
-         {"approximate parametric 1 1 inheritance \"x\" traversal \"x\" luminance weight .3 .3 .3 diagnostic "
-          "samples off",
+         {"approximate parametric 1 1 inheritance \"x\" traversal \"x\" luminance weight .3 .3 .3", ""},
+         {"diagnostic off diagnostic samples off diagnostic photon irradiance 1 diagnostic photon density 1 "
+          "diagnostic finalgather on",
           ""},
+         {"diagnostic grid object 1 diagnostic grid camera 1 diagnostic grid world 1 diagnostic grid off",
+          ""},
+         {"diagnostic bsp depth diagnostic bsp size diagnostic bsp off", ""},
          {"finalgather off globillum off caustic off shadowmap off lightmap off autovolume off photonvol "
           "accuracy 1",
           ""},
+         {"finalgather accuracy view 9 4 1 finalgather file \"f\" finalgather file [ \"f\", \"g\" ]", ""},
+         {"finalgather filter 1 finalgather scale 1 1 1 finalgather trace depth 1 1 finalgather bias .1", ""},
+         {"finalgather contrast .1 .1 .1 finalgather samples 9 finalgather secondary scale 1 1 1", ""},
+         {"globillum accuracy 9 .1 globillum scale 1 1 1 caustic filter box 2 caustic filter cone", ""},
+         {"photonmap file \"f\" photonmap rebuild on photon trace depth 1 1 photonvol scale 1 1 1", ""},
+         {"shadowmap motion on shadowmap rebuild on shadowmap bias .1 shadowmap merge on shadowmap trace on "
+          "shadowmap window 0 0 1 1 shadowmap camera \"c\" shadowmap samples 4",
+          ""},
+         {"finalgather fastlookup", "\"finalgather\" is not supported: it is ignored"},
+         {"shadowmap opengl", "\"shadowmap\" is not supported: it is ignored"},
+         {"shadowmap detail", "\"shadowmap\" is not supported: it is ignored"},
          {"\"a\" on \"b\" \"text\" \"c\" 1 \"d\" 1.5 \"e\" 1 2 3 \"f\" 1 2 3 4", ""}},
         "options \"n\" ", " end options");
 }
@@ -155,6 +171,7 @@ TEST(Statements, Cameras)
           ""},
          {"output \"rgba\" \"jpg\" dpi 72 even \"f\"", ""},
          {"output \"+rgba,+z\" \"s\" ( )", "!\"output shader\" is not supported"},
+         {"output \"+rgba\" = \"sh\"", "!\"output shader\" is not supported"},
          {"framebuffer \"b\" datatype \"rgba\" filtering on filename \"f\" filetype \"tif\" compression "
           "\"zip\" quality 1 "
           "colorprofile \"p\" dod on dpi 72 field \"1\" premultiplied on primary on user off useopacity off",
@@ -192,6 +209,9 @@ TEST(Statements, Objects)
           "2 "
           "strip 0 1 2 fan \"m\" 0 1 2 cp 0 1 2 end group",
           ""},
+         {"group 0 0 0 v 0 cusp v 0 conic 1 v 0 corner v 0 dart .5 c 0 1 2 approximate parametric 1 1 \"s\" "
+          "\"t\" end group",
+          ""},
          {"file \"f\"", "!objects read from files are not supported"},
          {"group trilist", "!triangle lists (\"trilist\") are not supported"},
          {"hair", "!hair is not supported"},
@@ -209,6 +229,7 @@ TEST(Statements, Instances)
           "globillum 1",
           ""},
          {"finalgather off face both select shading samples 2 tag 4 approximate parametric 1 1", ""},
+         {"approximate [ fine length 1 all, displace parametric 1 ]", ""},
          {"transform transform 1 0 0 0 0 1 0 0 0 0 1 0 0 0 0 1 motion transform motion off", ""},
          {"transform \"s\" ( )", "!\"transform shader\" is not supported"},
          {"override material \"m\" material [ \"m\", \"m\" ] material [ ] material", ""},

@@ -58,7 +58,10 @@ TEST(Tokens, NumbersHaveThePointAnywhere)
     EXPECT_EQ(scalar("1.5e3"), 1500.0f);
     EXPECT_EQ(scalar("1.5E-1"), 0.15f);
     EXPECT_EQ(scalar("2e+2"), 200.0f);
+    EXPECT_EQ(scalar("2.e+2"), 200.0f);
     EXPECT_EQ(scalar("1e-400"), 0.0f) << "too small to be told from zero";
+    for (const std::string text : {"1e5e3", "1.5e3e1", "1e", "1..2", "1.5.2"})
+        EXPECT_EQ(errorOf(text), "1:1: \"" + text + "\" is not a number");
 }
 
 TEST(Tokens, IntegersHave32Bits)
