@@ -18,6 +18,7 @@ std::optional<Picture> renderPicture(Session& session, const RenderCommand& comm
     const GeometryRun geometry(session, command, camera, options);
     Stage stage(session, command, camera, options);
     stage.addPhenomena();
+    stage.warnOfSegments();
     Network network(stage.roots(), session.libraries);
     stage.loadTextures(network);
     miState exitState{};

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "host/render/stage.h"
 
+#include "host/report/message.h"
 #include "host/shading/network.h"
 
 #include <algorithm>
@@ -70,6 +71,17 @@ void Stage::addPhenomena()
                 volume.insert(volume.end(), added.begin(), added.end());
         }
     }
+}
+
+void Stage::warnOfSegments() const
+{
+    const bool filled = !volume.empty() || std::ranges::any_of(surfaces.all(), [](const auto& entry) {
+        return !entry.second.volume.empty();
+    });
+    if (options.record.shadow == 's' && filled)
+        message(Level::warning, "RC",
+                "options " + inQuotes(options.name) +
+                    ": shadow segments are taken as sort: volume shaders are not called for light");
 }
 
 std::vector<Function*> Stage::roots() const

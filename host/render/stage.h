@@ -38,6 +38,9 @@ public:
     /// own.
     void addPhenomena();
 
+    /// A warning when volume shaders would see the segments of shadow rays, which there are none of.
+    void warnOfSegments() const;
+
     /// Every shader that rays may call.
     std::vector<Function*> roots() const;
 

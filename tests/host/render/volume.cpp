@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Volume shaders: what lies between a ray's ends, against the law of absorption.
+#include "tests/harness/messages.h"
 #include "tests/host/render/scene.h"
 
 #include <gtest/gtest.h>
@@ -49,6 +50,30 @@ TEST(Volume, TheCamerasFillsEyeRays)
     scene.wall(-3, scene.plain({1, 1, 1, 1}));
     scene.fill(absorbing(0.5f));
     EXPECT_NEAR(scene.look().r, std::exp(-1.5), 1e-6);
+}
+
+TEST(Volume, LightThatShallPassThemInSegmentsIsAWarning)
+{
+    const std::string text = "shadow segments are taken as sort: volume shaders are not called for light";
+    for (const char mode : {'\1', 'l', 's'})
+        for (const bool ofCamera : {false, true}) {
+            Filled scene;
+            scene.options.record.shadow = mode;
+            host::Material& material = scene.plain({1, 1, 1, 1});
+            scene.wall(-3, material);
+            {
+                const Messages messages;
+                scene.look();
+                EXPECT_EQ(messages.count(text), 0) << "without volumes";
+            }
+            if (ofCamera)
+                scene.fill(absorbing(0.5f));
+            else
+                material.volume = {scene.shader(absorbing(0.5f)).tag};
+            const Messages messages;
+            scene.look();
+            EXPECT_EQ(messages.count(text), mode == 's') << mode;
+        }
 }
 
 TEST(Volume, AListIsCalledInOrderOnTheSameColour)
