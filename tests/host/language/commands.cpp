@@ -118,9 +118,8 @@ TEST(Command, WhatComesTooLateIsPointedOut)
         errorOf("shader \"a\" \"leaf\" ( )\ndeclare shader color \"leaf\" ( scalar \"a\" ) end declare"),
         "1:12: the shader \"leaf\" is not declared; it comes at scene:2:22, but must be defined above its "
         "use");
-    EXPECT_EQ(
-        errorOf("shader \"a\" \"leaf\" ( )\nmaterial \"leaf\""),
-        "1:12: the shader \"leaf\" is not declared; is a $include missing, such as $include \"vhl.mi\"?")
+    EXPECT_EQ(errorOf("shader \"a\" \"leaf\" ( )\nmaterial \"leaf\""),
+              "1:12: the shader \"leaf\" is not declared; is a $include missing?")
         << "no element can serve as a declaration";
     EXPECT_EQ(errorOf("delete \"a\"\ninstance \"i\" material \"a\" end instance"),
               "1:8: there is no element \"a\"")
