@@ -18,6 +18,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <iterator>
+#include <set>
 #include <sstream>
 #include <string>
 #include <unistd.h>
@@ -89,8 +90,33 @@ private:
     std::vector<host::Inspection*> inspections_;
 };
 
+/// Says once when a frame takes the place of a picture that an earlier frame of this run has written.
+class WrittenFiles {
+public:
+    /// `named`: the first of the frame's files is called as the command line says.
+    void add(int frame, const Strings& files, bool named)
+    {
+        for (const std::string& file : files)
+            if (!warned_ && files_.count(file) != 0) {
+                warned_ = true;
+                host::message(host::Level::warning, "RC",
+                              "frame " + std::to_string(frame) + " overwrites " + host::inQuotes(file) +
+                                  " of an earlier frame; " +
+                                  (named && file == files.front()
+                                       ? "-file_name is one name for all frames"
+                                       : "\"output\" alone clears a camera's list of files"));
+            }
+        files_.insert(files.begin(), files.end());
+    }
+
+private:
+    std::set<std::string> files_;
+    bool warned_ = false;
+};
+
 /// False when the command line does not want this frame.
-bool renderFrame(host::Session& session, const host::RenderCommand& render, const host::CommandLine& command)
+bool renderFrame(host::Session& session, const host::RenderCommand& render, const host::CommandLine& command,
+                 WrittenFiles& written)
 {
     const auto* instance = session.database.findAs<host::Instance>(render.camera);
     const auto* camera = instance ? session.database.findAs<host::Camera>(instance->record.item) : nullptr;
@@ -101,7 +127,12 @@ bool renderFrame(host::Session& session, const host::RenderCommand& render, cons
     host::RenderSettings settings;
     settings.threads = command.threads;
     settings.adjustOptions = [&](host::Options& options) { command.adjust(options); };
-    settings.adjustCamera = [&](host::Camera& adjusted) { command.adjust(adjusted); };
+    Strings files;
+    settings.adjustCamera = [&](host::Camera& adjusted) {
+        command.adjust(adjusted);
+        for (const host::Output& output : adjusted.outputs)
+            files.push_back(output.file);
+    };
     host::ProgressLine line("rendering frame " + std::to_string(frame));
     settings.progress = [&](double fraction) { line.show(fraction); };
     Looking looking(command);
@@ -117,6 +148,8 @@ bool renderFrame(host::Session& session, const host::RenderCommand& render, cons
         looking.print(frame, false); // a probe up to where a shader failed
         throw;
     }
+    if (settings.write)
+        written.add(frame, files, command.fileName.has_value());
     const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - begin;
     std::array<char, 64> text{};
     std::snprintf(text.data(), text.size(), "frame %d rendered in %.1f seconds", frame, taken.count());
@@ -138,13 +171,10 @@ void run(const host::CommandLine& command)
     }
     int found = 0;
     int rendered = 0;
+    WrittenFiles written;
     session.onRender = [&](const host::RenderCommand& render) {
         ++found;
-        rendered += renderFrame(session, render, command);
-        if (rendered == 2 && command.fileName && command.render && !command.check && !command.probe)
-            host::message(
-                host::Level::warning, "RC",
-                "-file_name is one name for several frames: each picture takes the place of the last");
+        rendered += renderFrame(session, render, command, written);
     };
 
     for (const std::string& library : command.libraries)

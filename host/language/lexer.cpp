@@ -141,19 +141,17 @@ try {
     lookingAhead_ = true;
     auto open = Kinds::S_YYEMPTY; // the element that is being defined
     auto last = last_;
-    bool declares = last == Kinds::S_DECLARE; // the next name outside of braces is a declaration's
+    bool declares = last == Kinds::S_DECLARE; // the next name outside of brackets is a declaration's
     bool phenomenon = false;
-    int braces = 0;
     while (true) {
         const Token token = one();
         const auto kind = token.kind();
         if (kind == Kinds::S_YYEOF)
             return {};
-        braces += (kind == Kinds::S_OPEN_BRACE) - (kind == Kinds::S_CLOSE_BRACE);
-        const bool outside = open == Kinds::S_YYEMPTY && !declares;
+        const bool outside = open == Kinds::S_YYEMPTY && !declares && depth_ == 0;
         if (kind == Kinds::S_STRING || kind == Kinds::S_SYMBOL) {
-            const bool declared = declares && braces == 0;
-            const bool shader = last == Kinds::S_SHADER && !declares;
+            const bool declared = declares && depth_ == 0;
+            const bool shader = last == Kinds::S_SHADER && !declares && depth_ == 0;
             const bool element = shader || (outside && (last == Kinds::S_TEXTURE || begins(last)));
             const bool wanted = of == UnknownName::Of::declaration ? declared
                                 : of == UnknownName::Of::shader    ? shader

@@ -1,10 +1,46 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "host/language/shaders.h"
 
+#include "host/language/lexer.h"
 #include "host/language/phenomenon.h"
 #include "host/report/guess.h"
 
+#include <array>
+#include <filesystem>
+#include <string_view>
+
 namespace host::language {
+
+namespace {
+
+constexpr std::string_view baseFile = "base.mi";
+
+/// The files of declarations that come with this system.
+constexpr std::array<std::string_view, 3> ownFiles = {"vhl.mi", "recipes.mi", baseFile};
+
+/// One of these files, found as `$include` finds it. Nothing when it is nowhere, or is no file of a size that
+/// is worth a hint.
+std::string ownFile(std::string_view name, const Name& use, const Session& session)
+{
+    constexpr std::uintmax_t most = 4 << 20;
+    std::string file =
+        findFile(std::string(name), use.where.file ? *use.where.file : std::string(), session.paths.include);
+    std::error_code error;
+    const bool readable = std::filesystem::is_regular_file(file, error) &&
+                          std::filesystem::file_size(file, error) <= most && !error;
+    return readable ? file : std::string();
+}
+
+bool declares(const std::string& file, const std::string& shader, Session& session)
+try {
+    Lexer lexer(session, std::make_unique<Source>(file, Location()));
+    const Location found = lexer.findDefinition(shader, UnknownName::Of::declaration);
+    return found.file && *found.file == file; // and not in what it includes
+} catch (const Error&) {
+    return false; // it cannot be opened
+}
+
+} // namespace
 
 ShaderList Shaders::make(std::vector<ShaderUse> uses)
 {
@@ -61,21 +97,28 @@ const Declaration& Shaders::declaration(const Name& type) const
 
 std::string Shaders::hintFor(const Name& undeclared) const
 {
+    bool knowsBase = false;
+    for (const std::string_view name : ownFiles)
+        if (const std::string file = ownFile(name, undeclared, context_.session); !file.empty()) {
+            if (declares(file, undeclared.text, context_.session))
+                return "; is $include " + inQuotes(name) + " missing?";
+            knowsBase = knowsBase || name == baseFile;
+        }
     Guess guess(undeclared.text);
     const std::string versioned = undeclared.text + "_v";
     std::string version; // the last of those that the name was given without
-    bool included = false;
     for (const auto& [name, declaration] : context_.session.declarations.all()) {
         guess.offer(name);
         if (name.compare(0, versioned.size(), versioned) == 0)
             version = name;
-        included = included || declaration.where.file != undeclared.where.file;
     }
     if (!version.empty())
         return "; did you mean " + inQuotes(version) + '?';
     if (const std::string near = guess.text(); !near.empty())
         return near;
-    return included ? "; is a $include missing?" : "; is a $include missing, such as $include \"vhl.mi\"?";
+    if (knowsBase && undeclared.text.compare(0, 4, "mib_") == 0)
+        return "; this host's base library has no such shader, docs/base.md lists those that there are";
+    return "; is a $include missing?";
 }
 
 miTag Shaders::create(const ShaderUse& use)

@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "host/render/image.h"
 
-#include "host/system/safe_file.h"
 #include "host/render/samples.h"
+#include "host/report/guess.h"
 #include "host/report/message.h"
+#include "host/system/safe_file.h"
 
 #include <OpenImageIO/imageio.h>
 
@@ -12,6 +13,7 @@
 #include <limits>
 #include <map>
 #include <optional>
+#include <set>
 
 namespace host {
 
@@ -59,6 +61,33 @@ std::string naturalType(const std::string& writer)
     if (writer == "hdr")
         return "rgb_fp";
     return "rgba";
+}
+
+/// Formats that the renderer has and the image library does not write: its own raw ones and a few old ones.
+const std::set<std::string, std::less<>> unwritten = {"ct",  "mt",  "nt", "pic", "pict", "ps",
+                                                      "psd", "rlb", "st", "tt",  "vt",   "zt"};
+
+/// What is wrong with a format that has no writer.
+std::string unknownFormat(const std::string& format)
+{
+    const std::string text = "no image format " + inQuotes(format) + " can be written";
+    if (unwritten.count(format) != 0)
+        return text + " by this host; another such as \"exr\" can";
+    Guess guess(format);
+    for (const auto& [word, writer] : formatNames)
+        guess.offer(word);
+    for (const std::string_view word : {"bmp", "hdr", "png"})
+        guess.offer(word);
+    return text + guess.text();
+}
+
+/// What is wrong with a data type that is not in the list.
+std::string unknownType(const std::string& type)
+{
+    std::string text = "data type " + inQuotes(type) + " is not known; there are";
+    for (const auto& [name, ignored] : dataTypes)
+        text += (name == dataTypes.begin()->first ? " " : ", ") + name;
+    return text;
 }
 
 std::string called(const Output& output) { return "output \"" + output.file + "\": "; }
@@ -242,13 +271,13 @@ void ImageFiles::prepare(const Camera& camera, const Options& options)
         File file{output, known != formatNames.end() ? known->second : output.format, {}};
         const auto writer = OIIO::ImageOutput::create(file.writer);
         if (!writer)
-            refuse("no image format \"" + output.format + "\" can be written");
+            refuse(unknownFormat(output.format));
         std::string type = output.dataType.empty() ? naturalType(file.writer) : output.dataType;
         if (type[0] == '+' || type[0] == '-')
             type.erase(0, 1);
         const auto found = dataTypes.find(type);
         if (found == dataTypes.end())
-            refuse("data type \"" + type + "\" is not known");
+            refuse(unknownType(type));
         file.type = found->second;
         if (file.type.channels == 4 && !writer->supports("alpha"))
             file.type.channels = 3;

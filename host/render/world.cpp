@@ -146,8 +146,9 @@ void World::add(const Instance& leaf, const Database& database, const Leaves& le
     }
     if (body.materials.empty() && std::count(shared.own.begin(), shared.own.end(), nullptr) != 0)
         message(Level::warning, "RC",
-                "instance \"" + database.find(leaf.record.parent)->name + "\" of object \"" + object.name +
-                    "\" has polygons without a material; they are not seen");
+                "instance " + inQuotes(database.find(leaf.record.parent)->name) +
+                    (object.name.empty() ? "" : " of object " + inQuotes(object.name)) +
+                    " has polygons without a material; they are not seen, but cast shadows");
     if (!shared.scene)
         return;
     const RTCGeometry geometry = rtcNewGeometry(device_, RTC_GEOMETRY_TYPE_INSTANCE);

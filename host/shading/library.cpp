@@ -23,6 +23,16 @@ std::string loaderReason()
     return reason;
 }
 
+/// The library whose shaders a file of this system declares, as an example of what to link.
+std::string libraryOf(const Location& declaration)
+{
+    const std::string file =
+        declaration.file ? std::filesystem::path(*declaration.file).filename().string() : std::string();
+    if (file == "base.mi")
+        return ", such as link \"base.so\"";
+    return file == "vhl.mi" ? ", such as link \"libvhl.so\"" : "";
+}
+
 } // namespace
 
 Libraries::~Libraries()
@@ -69,10 +79,9 @@ Shader& Libraries::resolve(const Declaration& declaration, const Location& use)
         const std::string place = declaration.where.text();
         throw Error(use, "shader " + inQuotes(declaration.name) +
                              (place.empty() ? "" : ", declared at " + place + ',') +
-                             (handles_.empty()
-                                  ? " is in no library, as none is linked; is a link missing, such as "
-                                    "link \"libvhl.so\"?"
-                                  : " is in none of the linked libraries; is a link missing?"));
+                             (handles_.empty() ? " is in no library, as none is linked"
+                                               : " is in none of the linked libraries") +
+                             "; is a link missing" + libraryOf(declaration.where) + '?');
     }
     auto shader = std::make_unique<Shader>();
     shader->declaration = &declaration;

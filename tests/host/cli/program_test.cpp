@@ -359,8 +359,75 @@ TEST_F(Program, OneNameForSeveralFramesIsAWarning)
     const Outcome outcome = render(scene, {"-o", "one.tif"});
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(std::count(outcome.messages.begin(), outcome.messages.end(), '\n'), 1) << outcome.messages;
-    EXPECT_NE(outcome.messages.find("-file_name is one name for several frames"), std::string::npos);
+    EXPECT_NE(
+        outcome.messages.find("overwrites \"one.tif\" of an earlier frame; -file_name is one name for all"),
+        std::string::npos)
+        << outcome.messages;
     EXPECT_EQ(render(scene, {"-o", "one.tif", "-check"}).messages, "");
+}
+
+TEST_F(Program, AFrameThatOverwritesAnEarlierOneIsAWarning)
+{
+    const auto frames = [](const std::string& before) {
+        Scene scene;
+        for (const std::string number : {"2", "3"})
+            scene.render += "incremental camera \"cam\" frame " + number + before +
+                            " output \"rgba\" \"tif\" \"out" + number + ".tif\" end camera\n" +
+                            Scene().render;
+        return scene;
+    };
+    const Outcome added = render(frames(""));
+    EXPECT_EQ(added.status, 0);
+    EXPECT_EQ(std::count(added.messages.begin(), added.messages.end(), '\n'), 1) << added.messages;
+    EXPECT_NE(
+        added.messages.find("warn : frame 2 overwrites \"out.tif\" of an earlier frame; \"output\" alone "
+                            "clears a camera's list of files"),
+        std::string::npos)
+        << added.messages;
+    EXPECT_TRUE(folder.holds("out.tif") && folder.holds("out2.tif") && folder.holds("out3.tif"));
+    EXPECT_EQ(render(frames(""), {"-check"}).messages, "");
+    EXPECT_EQ(render(frames(" output")).messages, "") << "each has its own file";
+}
+
+TEST_F(Program, OnceMoreTheSameFileInOneFrameIsNoEarlierFrame)
+{
+    Scene scene;
+    scene.camera.insert(scene.camera.find("focal"), "output \"rgba\" \"tif\" \"out.tif\" ");
+    EXPECT_EQ(render(scene).messages, "");
+}
+
+TEST_F(Program, PolygonsWithoutAMaterialAreAWarning)
+{
+    Scene scene;
+    scene.object.replace(scene.object.find("c \"m\""), 5, "c");
+    const Outcome outcome = render(scene);
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_NE(outcome.messages.find("instance \"quad-i\" of object \"quad\" has polygons without a material; "
+                                    "they are not seen, but cast shadows\n"),
+              std::string::npos)
+        << outcome.messages;
+
+    Scene shape;
+    shape.head += "link \"base.so\"\n$include <base.mi>\n";
+    shape.object.clear();
+    shape.instances.replace(shape.instances.find("\"quad\""), 6, "geometry \"mib_geo_square\" ( )");
+    EXPECT_NE(render(shape).messages.find("instance \"quad-i\" has polygons without a material; they"),
+              std::string::npos);
+}
+
+TEST_F(Program, AForgottenBaseLibraryIsNamed)
+{
+    const std::string use = "shader \"red\" \"mib_illum_phong\" ( )\n";
+    Scene scene;
+    scene.shaders = use;
+    expectError(render(scene), {"is not declared; is $include \"base.mi\" missing?"});
+    scene.shaders = "$include <base.mi>\n" + use;
+    expectError(render(scene), {"/base.mi:", "is a link missing, such as link \"base.so\"?"});
+    scene.shaders = "shader \"red\" \"mib_illum_ward\" ( )\n";
+    expectError(render(scene), {"this host's base library has no such shader, docs/base.md lists"});
+    scene.head.clear();
+    scene.shaders = "shader \"red\" \"vhrFractScalar_v1\" ( )\n";
+    expectError(render(scene), {"is not declared; is $include \"recipes.mi\" missing?"});
 }
 
 TEST_F(Program, IndicesBeyondTheirLists)

@@ -119,8 +119,14 @@ TEST(Command, WhatComesTooLateIsPointedOut)
         "1:12: the shader \"leaf\" is not declared; it comes at scene:2:22, but must be defined above its "
         "use");
     EXPECT_EQ(
-        errorOf("shader \"a\" \"leaf\" ( )\nmaterial \"leaf\""),
-        "1:12: the shader \"leaf\" is not declared; is a $include missing, such as $include \"vhl.mi\"?")
+        errorOf(
+            "shader \"a\" \"leaf\" ( )\n"
+            "declare color \"lit\" ( array light \"lamps\", shader \"leaf\" ) declare color \"leaf\" ( )"),
+        "1:12: the shader \"leaf\" is not declared; it comes at scene:2:74, but must be defined above its "
+        "use")
+        << "parameters begin nothing";
+    EXPECT_EQ(errorOf("shader \"a\" \"leaf\" ( )\nmaterial \"leaf\""),
+              "1:12: the shader \"leaf\" is not declared; is a $include missing?")
         << "no element can serve as a declaration";
     EXPECT_EQ(errorOf("delete \"a\"\ninstance \"i\" material \"a\" end instance"),
               "1:8: there is no element \"a\"")

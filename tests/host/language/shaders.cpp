@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
+#include "tests/harness/folder.h"
 #include "tests/host/language/scene.h"
 
 #include <algorithm>
@@ -137,7 +138,7 @@ TEST(Value, MistakesHaveTheirPlace)
 
 TEST(Shader, MustBeDeclared)
 {
-    const std::string hint = "; is a $include missing, such as $include \"vhl.mi\"?";
+    const std::string hint = "; is a $include missing?";
     EXPECT_EQ(errorOf("shader \"x\" \"y\" ( )"), "1:12: the shader \"y\" is not declared" + hint);
     EXPECT_EQ(errorOf("light \"l\" \"y\" ( )"), "1:11: the shader \"y\" is not declared" + hint);
     EXPECT_EQ(errorOf("material \"l\" = \"y\" end material"), "1:16: there is no shader \"y\"");
@@ -163,12 +164,46 @@ TEST(Shader, ANameThatIsNearIsOffered)
         << "what there is goes before what is near";
 }
 
-TEST(Shader, AMissingIncludeIsNoLongerNamedWhenThereIsOne)
+TEST(Shader, TheMissingIncludeIsTheOneThatDeclaresIt)
 {
-    Scene scene;
-    host::readScene(scene.session, std::string_view("declare color \"leaf\" ( )"), "declarations");
-    EXPECT_EQ(scene.errorOf("shader \"x\" \"other\" ( )"),
-              "1:12: the shader \"other\" is not declared; is a $include missing?");
+    const test::Folder folder;
+    folder.write(
+        "vhl.mi",
+        "$include \"inner.mi\"\ndeclare shader struct { color \"a\" } \"vhLeaf\" ( color \"c\" ) end "
+        "declare\n");
+    folder.write("inner.mi", "declare color \"within\" ( )");
+    folder.write("recipes.mi", "declare phenomenon color \"vhrLeaf\" ( )\n"
+                               "shader \"mib_inside\" \"vhLeaf\" ( ) root = \"mib_inside\" end declare\n");
+    folder.write("base.mi", "$ifndef \"base\" set \"base\"\n"
+                            "declare shader color \"mib_leaf\" ( color \"c\" ) end declare\n$endif\n");
+    const auto hint = [&](const std::string& type, const std::string& before = {}) {
+        Scene scene;
+        scene.session.paths.include = {"/nowhere", folder.path()};
+        const std::string error = scene.errorOf(before + "\nshader \"x\" \"" + type + "\" ( )");
+        const std::string told = "2:12: the shader \"" + type + "\" is not declared; ";
+        EXPECT_EQ(error.substr(0, told.size()), told);
+        return error.substr(std::min(told.size(), error.size()));
+    };
+    EXPECT_EQ(hint("vhLeaf"), "is $include \"vhl.mi\" missing?");
+    EXPECT_EQ(hint("vhrLeaf"), "is $include \"recipes.mi\" missing?");
+    EXPECT_EQ(hint("mib_leaf"), "is $include \"base.mi\" missing?");
+    EXPECT_EQ(hint("mib_leaf", "declare color \"mib_leaf2\" ( )"), "is $include \"base.mi\" missing?")
+        << "before what is near";
+    EXPECT_EQ(hint("within"), "is a $include missing?") << "no file of ours";
+    EXPECT_EQ(hint("other", "declare color \"leaf\" ( )"), "is a $include missing?");
+
+    const std::string none =
+        "this host's base library has no such shader, docs/base.md lists those that there are";
+    EXPECT_EQ(hint("mib_inside"), none) << "the name of an instance is no declaration";
+    EXPECT_EQ(hint("mib_other"), none);
+    EXPECT_EQ(hint("mib_other", "$include \"base.mi\""), none);
+    EXPECT_EQ(hint("mib_laef", "$include \"base.mi\""), "did you mean \"mib_leaf\"?");
+    EXPECT_EQ(errorOf("shader \"x\" \"mib_other\" ( )"),
+              "1:12: the shader \"mib_other\" is not declared; is a $include missing?")
+        << "without the library's file nothing is known about it";
+
+    folder.write("base.mi", "declare color \"mib_huge\" ( ) #" + std::string(4 << 20, '.') + '\n');
+    EXPECT_EQ(hint("mib_huge"), "is a $include missing?") << "too long to look through";
 }
 
 TEST(Shader, AParameterThatIsNearIsOffered)

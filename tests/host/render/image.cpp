@@ -266,7 +266,16 @@ TEST_F(Pictures, WhatCannotBeWrittenIsRefusedBeforeRendering)
     };
     const std::string start = "s.mi:4:5: output \"" + path("p") + "\": ";
     EXPECT_EQ(refused("rgba", "xyz"), start + "no image format \"xyz\" can be written");
-    EXPECT_EQ(refused("rgbx", "tif"), start + "data type \"rgbx\" is not known");
+    EXPECT_EQ(refused("rgba", "tig"),
+              start + "no image format \"tig\" can be written; did you mean \"tif\"?");
+    EXPECT_EQ(refused("rgba", "pngg"),
+              start + "no image format \"pngg\" can be written; did you mean \"png\"?");
+    for (const std::string own : {"pic", "zt", "ct"})
+        EXPECT_EQ(refused("rgba", own), start + "no image format \"" + own +
+                                            "\" can be written by this host; another such as \"exr\" can");
+    EXPECT_EQ(refused("rgbx", "tif"),
+              start + "data type \"rgbx\" is not known; there are a, a_16, a_fp, m, n, rgb, rgb_16, rgb_fp, "
+                      "rgb_h, rgba, rgba_16, rgba_fp, rgba_h, rgbe, tag, z");
     EXPECT_EQ(refused("rgba_fp", "png"), start + "format \"png\" cannot hold data type \"rgba_fp\"");
     EXPECT_EQ(refused("rgb_16", "jpg"), start + "format \"jpg\" cannot hold data type \"rgb_16\"");
     camera.outputs.clear();

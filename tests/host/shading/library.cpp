@@ -57,19 +57,26 @@ TEST(Library, IsFoundAlongThePathAndLinkedOnce)
 
 TEST(Library, AShaderThatNoLibraryHasIsNamedWhereItIsUsed)
 {
-    const auto error = [](const char* library) {
+    const auto error = [](const char* library, const char* declarations) {
         Stage stage{library};
         host::Declaration nothing = declaration("t_nothing", field(Type::color, ""), {}, 1);
-        nothing.where = {host::fileName("shaders.mi"), 7, 15};
+        nothing.where = {host::fileName(declarations), 7, 15};
         stage.session.declarations.add(std::move(nothing));
         host::Function& f = stage.make("n", "t_nothing");
         f.where = {host::fileName("scene.mi"), 3, 12};
         return errorOf([&] { stage.prepare({&f}); });
     };
-    const std::string who = "scene.mi:3:12: shader \"t_nothing\", declared at shaders.mi:7:15, ";
-    EXPECT_EQ(error(TEST_SHADERS), who + "is in none of the linked libraries; is a link missing?");
-    EXPECT_EQ(error(""),
-              who + "is in no library, as none is linked; is a link missing, such as link \"libvhl.so\"?");
+    const auto who = [](const std::string& declarations) {
+        return "scene.mi:3:12: shader \"t_nothing\", declared at " + declarations + ":7:15, ";
+    };
+    const std::string among = "is in none of the linked libraries; is a link missing";
+    const std::string none = "is in no library, as none is linked; is a link missing";
+    EXPECT_EQ(error(TEST_SHADERS, "shaders.mi"), who("shaders.mi") + among + "?");
+    EXPECT_EQ(error("", "shaders.mi"), who("shaders.mi") + none + "?");
+    EXPECT_EQ(error(TEST_SHADERS, "a/base.mi"), who("a/base.mi") + among + ", such as link \"base.so\"?");
+    EXPECT_EQ(error("", "base.mi"), who("base.mi") + none + ", such as link \"base.so\"?");
+    EXPECT_EQ(error(TEST_SHADERS, "vhl.mi"), who("vhl.mi") + among + ", such as link \"libvhl.so\"?");
+    EXPECT_EQ(error("", "a/vhl.mi"), who("a/vhl.mi") + none + ", such as link \"libvhl.so\"?");
 }
 
 TEST(Version, AMismatchNamesBothNumbersAndStopsUnlessIgnored)
