@@ -61,34 +61,34 @@ Space light(const miState* state) { return {state->light_instance, host::shutter
 
 } // namespace
 
-// Six exported names for each space.
-#define SPACE(space)                                                                                         \
-    void mi_point_to_##space(const miState* state, miVector* result, const miVector* v)                      \
+// No more than the symbol.
+#define CONVERSION(name, space, change)                                                                      \
+    void name(const miState* state, miVector* result, const miVector* v)                                     \
     {                                                                                                        \
-        *result = space(state).pointTo(*v);                                                                  \
-    }                                                                                                        \
-    void mi_point_from_##space(const miState* state, miVector* result, const miVector* v)                    \
-    {                                                                                                        \
-        *result = space(state).pointFrom(*v);                                                                \
-    }                                                                                                        \
-    void mi_vector_to_##space(const miState* state, miVector* result, const miVector* v)                     \
-    {                                                                                                        \
-        *result = space(state).vectorTo(*v);                                                                 \
-    }                                                                                                        \
-    void mi_vector_from_##space(const miState* state, miVector* result, const miVector* v)                   \
-    {                                                                                                        \
-        *result = space(state).vectorFrom(*v);                                                               \
-    }                                                                                                        \
-    void mi_normal_to_##space(const miState* state, miVector* result, const miVector* v)                     \
-    {                                                                                                        \
-        *result = space(state).normalTo(*v);                                                                 \
-    }                                                                                                        \
-    void mi_normal_from_##space(const miState* state, miVector* result, const miVector* v)                   \
-    {                                                                                                        \
-        *result = space(state).normalFrom(*v);                                                               \
+        *result = space(state).change(*v);                                                                   \
     }
 
-SPACE(world)
-SPACE(camera)
-SPACE(object)
-SPACE(light)
+CONVERSION(mi_point_to_world, world, pointTo)
+CONVERSION(mi_point_from_world, world, pointFrom)
+CONVERSION(mi_vector_to_world, world, vectorTo)
+CONVERSION(mi_vector_from_world, world, vectorFrom)
+CONVERSION(mi_normal_to_world, world, normalTo)
+CONVERSION(mi_normal_from_world, world, normalFrom)
+CONVERSION(mi_point_to_camera, camera, pointTo)
+CONVERSION(mi_point_from_camera, camera, pointFrom)
+CONVERSION(mi_vector_to_camera, camera, vectorTo)
+CONVERSION(mi_vector_from_camera, camera, vectorFrom)
+CONVERSION(mi_normal_to_camera, camera, normalTo)
+CONVERSION(mi_normal_from_camera, camera, normalFrom)
+CONVERSION(mi_point_to_object, object, pointTo)
+CONVERSION(mi_point_from_object, object, pointFrom)
+CONVERSION(mi_vector_to_object, object, vectorTo)
+CONVERSION(mi_vector_from_object, object, vectorFrom)
+CONVERSION(mi_normal_to_object, object, normalTo)
+CONVERSION(mi_normal_from_object, object, normalFrom)
+CONVERSION(mi_point_to_light, light, pointTo)
+CONVERSION(mi_point_from_light, light, pointFrom)
+CONVERSION(mi_vector_to_light, light, vectorTo)
+CONVERSION(mi_vector_from_light, light, vectorFrom)
+CONVERSION(mi_normal_to_light, light, normalTo)
+CONVERSION(mi_normal_from_light, light, normalFrom)

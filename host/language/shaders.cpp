@@ -116,7 +116,7 @@ std::string Shaders::hintFor(const Name& undeclared) const
         return "; did you mean " + inQuotes(version) + '?';
     if (const std::string near = guess.text(); !near.empty())
         return near;
-    if (knowsBase && undeclared.text.compare(0, 4, "mib_") == 0)
+    if (knowsBase && undeclared.text.starts_with("mib_"))
         return "; this host's base library has no such shader, docs/base.md lists those that there are";
     return "; is a $include missing?";
 }

@@ -47,8 +47,8 @@ void tell(const Running& now, const char* text)
                       now.thread ? now.thread->number : 0, where(function.where).data(), named ? "\"" : "",
                       function.name.c_str(), named ? "\" (" : "", function.declaration().name.c_str(),
                       named ? ")" : "", text);
-    if (length > 0 && ::write(STDERR_FILENO, line.data(), std::min<std::size_t>(length, line.size())) < 0)
-        return; // there is nobody left to tell
+    const auto size = std::min(std::size_t(std::max(length, 0)), line.size() - 1);
+    [[maybe_unused]] const auto written = ::write(STDERR_FILENO, line.data(), size); // no one is left to tell
 }
 
 void handle(int number, siginfo_t* info, void*)
